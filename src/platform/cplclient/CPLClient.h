@@ -22,6 +22,7 @@
 class QFD_PUBLIC CPLClient {
   public:
     explicit CPLClient(std::string const& name);
+    /// Closes, and waits for a callback that is still running, unless it runs on this thread.
     virtual ~CPLClient();
     CPLClient(CPLClient const&) = delete;
     CPLClient& operator=(CPLClient const&) = delete;
@@ -40,7 +41,8 @@ class QFD_PUBLIC CPLClient {
     bool connect(char const* host, unsigned short const& port) const;
     /// Drops the connection in good order, leaving state 1. False if there was none.
     bool disconnect() const;
-    /// Disconnects and ends the library's threads. No callback comes after it returned.
+    /// Disconnects and ends the library's threads. No callback begins after it returned; one that
+    /// is running goes on, since it may want a lock that the caller holds.
     bool close() const;
 
     /// 1 no connection, 2 connected, 3 connection lost (until `disconnect`).
@@ -49,8 +51,9 @@ class QFD_PUBLIC CPLClient {
     /// Registers a callback and returns its identifier, which subscriptions name. The second
     /// argument is reserved.
     unsigned short registerCallback(boost::shared_ptr<CCallback> callback, long const& word) const;
-    /// Withdraws it; unknown identifiers are ignored. When this returned, no call into that
-    /// callback is running or will come, unless it was made from inside that callback.
+    /// Withdraws it; unknown identifiers are ignored. No call into that callback begins after this
+    /// returned; as in `close`, one that is running goes on, and the library keeps the callback
+    /// until it returns.
     void unregisterCallback(unsigned short const& identifier);
 
     /// One parameter. The last two arguments are reserved, here and below.

@@ -1,0 +1,268 @@
+// The stand-in for the closed client library: the calls of the contract on top of one
+// connection at a time.
+#include "platform/cplclient/CPLClient.h"
+
+#include "platform/cplclient/CallbackThread.h"
+#include "platform/cplclient/Connection.h"
+#include "platform/cplclient/wire/ByteWriter.h"
+#include "platform/cplclient/wire/Messages.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace {
+
+enum WireTag : std::uint16_t { tagShort, tagInt, tagUShort, tagUInt, tagBool, tagFloat, tagText = 7 };
+
+bool readableAddress(std::string const& text) {
+    in_addr parsed{};
+    return text.empty() || inet_pton(AF_INET, text.c_str(), &parsed) == 1;
+}
+
+std::string fieldsOf(DeviceEventListItem const& item) {
+    std::string bytes;
+    cplwire::ByteWriter out(bytes);
+    out.u32(item.markInTime);
+    out.terminated(item.clipName);
+    return bytes;
+}
+
+std::string fieldsOf(CameraSourceListItem const& item) {
+    std::string bytes;
+    cplwire::ByteWriter out(bytes);
+    auto const number = [&](std::uint32_t value) { out.u16(static_cast<std::uint16_t>(value)); };
+    number(item.cameraId);
+    out.terminated(item.cameraName);
+    out.terminated(item.headType);
+    number(item.aspectRatio);
+    number(item.videoMode);
+    for (bool const flag : {item.connected, item.colorBarsEnabled, item.autoIrisEnabled,
+                            item.autoBlackEnabled})
+        out.u8(flag);
+    number(item.filter);
+    number(item.sceneFile);
+    for (bool const flag : {item.redTally, item.yellowTally, item.greenTally})
+        out.u8(flag);
+    number(item.suiteId);
+    return bytes;
+}
+
+}  // namespace
+
+struct CPLClient::Impl {
+    explicit Impl(std::string const& clientName) : name(clientName) {}
+
+    // Connects, disconnects, opens and closes one at a time; a send takes it only to get hold
+    // of the connection.
+    std::mutex lifecycle;
+    std::mutex lock;  // guards name, ends, isOpen and connection
+    std::string name;
+    ConnectionEnds ends;
+    bool isOpen = false;
+    std::shared_ptr<Connection> connection;
+    std::atomic<int> sendTimeOut{500};
+    std::atomic<ClientConnectionState> state{eNotConnected};
+    ClientTimings timings;
+    std::shared_ptr<CallbackThread> callbacks = std::make_shared<CallbackThread>(timings.queueBytes);
+
+    std::shared_ptr<Connection> current() {
+        std::lock_guard const guard(lock);
+        return connection;
+    }
+
+    std::shared_ptr<Connection> replaceConnection(std::shared_ptr<Connection> next) {
+        std::lock_guard const guard(lock);
+        std::swap(connection, next);
+        return next;
+    }
+
+    // The lifecycle lock is held.
+    bool drop() {
+        auto const last = replaceConnection(nullptr);
+        if (last)
+            last->close();
+        callbacks->clear();
+        state = eNotConnected;
+        return last != nullptr;
+    }
+
+    template <typename Message>
+    Status request(Message const& message) {
+        auto const held = current();
+        if (!held)
+            return eStatusNotConnected;
+        return held->request(message, std::chrono::milliseconds(sendTimeOut.load()));
+    }
+
+    Status set(PIDType pid, unsigned did, eCpl2SetType flag, WireTag tag, std::string_view value) {
+        return request(cplwire::Set{pid, did, flag, tag, value});
+    }
+
+    Status setNumber(PIDType pid, unsigned did, eCpl2SetType flag, WireTag tag, auto append) {
+        std::string bytes;  // four bytes at most: no allocation
+        append(cplwire::ByteWriter(bytes));
+        return set(pid, did, flag, tag, bytes);
+    }
+};
+
+CPLClient::CPLClient(std::string const& name) : impl(std::make_unique<Impl>(name)) {}
+
+CPLClient::~CPLClient() {
+    close();
+    impl->callbacks->waitUntilEnded();
+}
+
+void CPLClient::setName(std::string const& name) {
+    std::lock_guard const guard(impl->lock);
+    impl->name = name;
+}
+
+void CPLClient::setSendTimeOut(int const& milliseconds) { impl->sendTimeOut = milliseconds; }
+
+bool CPLClient::open(char const* host, unsigned short const& port) const {
+    std::lock_guard const turn(impl->lifecycle);
+    std::string const address = host ? host : "";
+    {
+        std::lock_guard const guard(impl->lock);
+        if (impl->isOpen || !readableAddress(address))
+            return false;
+        impl->ends.localHost = address;
+        impl->ends.localPort = port;
+        impl->isOpen = true;
+    }
+    impl->callbacks->start();
+    return true;
+}
+
+bool CPLClient::connect(char const* host, unsigned short const& port) const {
+    std::lock_guard const turn(impl->lifecycle);
+    std::unique_lock guard(impl->lock);
+    if (!impl->isOpen || impl->state != eNotConnected)
+        return false;
+    auto ends = impl->ends;
+    ends.host = host ? host : "";
+    ends.port = port;
+    auto const name = impl->name;
+    guard.unlock();
+    auto const fresh = std::make_shared<Connection>(impl->timings, impl->callbacks, impl->state);
+    if (!fresh->open(ends, name))
+        return false;
+    impl->replaceConnection(fresh);
+    return true;
+}
+
+bool CPLClient::disconnect() const {
+    std::lock_guard const turn(impl->lifecycle);
+    return impl->drop();
+}
+
+bool CPLClient::close() const {
+    std::lock_guard const turn(impl->lifecycle);
+    {
+        std::lock_guard const guard(impl->lock);
+        if (!impl->isOpen)
+            return false;
+        impl->isOpen = false;
+    }
+    impl->drop();
+    impl->callbacks->stop();
+    return true;
+}
+
+ClientConnectionState CPLClient::getConnectionState() const { return impl->state; }
+
+unsigned short CPLClient::registerCallback(boost::shared_ptr<CCallback> callback,
+                                           long const& /*word*/) const {
+    return impl->callbacks->add(std::move(callback));
+}
+
+void CPLClient::unregisterCallback(unsigned short const& identifier) {
+    impl->callbacks->remove(identifier);
+}
+
+Status CPLClient::subscribe(PIDType const& pid, unsigned int const& did,
+                            unsigned short const& callback, eSubscribeFlags const& flag,
+                            unsigned short const& /*word*/, short const& /*other*/) const {
+    return impl->request(cplwire::SubscribeParameter{pid, did, callback, flag});
+}
+
+Status CPLClient::subscribe(eListIDType const& lid, unsigned short const& number,
+                            unsigned int const& did, unsigned short const& callback,
+                            eSubscribeFlags const& flag, unsigned short const& /*word*/,
+                            short const& /*other*/) const {
+    return impl->request(cplwire::SubscribeList{lid, number, did, callback, flag});
+}
+
+Status CPLClient::subscribe(std::vector<std::pair<PIDType, unsigned int>> const& parameters,
+                            unsigned short const& callback, eSubscribeFlags const& flag,
+                            unsigned short const& /*word*/, short const& /*other*/) const {
+    cplwire::SubscribeBatch batch{callback, flag, {}};
+    batch.parameters.assign(parameters.begin(), parameters.end());
+    return impl->request(batch);
+}
+
+Status CPLClient::cancelSubscriptions(eUnsubscribeFlags const& flags,
+                                      eCplServiceIDType const& service,
+                                      unsigned short const& /*word*/) const {
+    return impl->request(cplwire::Cancel{flags, service});
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      bool const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagBool, [&](auto out) { out.u8(value); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      short const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagShort,
+                           [&](auto out) { out.u16(static_cast<std::uint16_t>(value)); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      unsigned short const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagUShort, [&](auto out) { out.u16(value); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      int const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagInt, [&](auto out) { out.i32(value); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      unsigned int const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagUInt, [&](auto out) { out.u32(value); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      float const& value, unsigned short const& /*word*/) const {
+    return impl->setNumber(pid, did, flag, tagFloat, [&](auto out) { out.f32(value); });
+}
+
+Status CPLClient::set(PIDType const& pid, unsigned int const& did, eCpl2SetType const& flag,
+                      char const* value, unsigned short const& /*word*/) const {
+    return impl->set(pid, did, flag, tagText, value ? value : "");
+}
+
+Status CPLClient::event(EIDType const& eid, unsigned int const& did, void* data, short const& size,
+                        unsigned short const& /*word*/) const {
+    auto const length = data && size > 0 ? static_cast<std::size_t>(size) : 0;
+    return impl->request(cplwire::Event{eid, did, {static_cast<char const*>(data), length}});
+}
+
+Status CPLClient::setList(eListItemAction const& action, eListIDType const& lid,
+                          unsigned int const& did, unsigned short const& number,
+                          DeviceEventListItem const& item, unsigned short const& /*word*/) {
+    return impl->request(
+        cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
+}
+
+Status CPLClient::setList(eListItemAction const& action, eListIDType const& lid,
+                          unsigned int const& did, unsigned short const& number,
+                          CameraSourceListItem const& item, unsigned short const& /*word*/) {
+    return impl->request(
+        cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
+}

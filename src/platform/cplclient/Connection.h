@@ -1,0 +1,96 @@
+#pragma once
+
+#include "platform/cplclient/CPLTypes.h"
+#include "platform/cplclient/CallbackThread.h"
+#include "platform/cplclient/ClientTimings.h"
+#include "platform/cplclient/Socket.h"
+#include "platform/cplclient/wire/MessageSplitter.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+/// Where a connection leaves from and goes to.
+struct ConnectionEnds {
+    std::string localHost;
+    unsigned short localPort = 0;
+    std::string host;
+    unsigned short port = 0;
+};
+
+/// One connection to a frame, from its handshake to its end: a thread that reads, the requests
+/// that wait for their acknowledgement, the heartbeat.
+///
+/// Thread: `request` from any, several at once; the others by one owner.
+class Connection {
+  public:
+    Connection(ClientTimings const& clientTimings, std::shared_ptr<CallbackThread> newsTarget,
+               std::atomic<ClientConnectionState>& clientState);
+    Connection(Connection const&) = delete;
+    Connection& operator=(Connection const&) = delete;
+    /// Ends without a bye if it hasn't ended yet.
+    ~Connection();
+
+    /// Connects, shakes hands and starts reading. False, with one log line, if that fails within
+    /// the limit. On success the state is "connected".
+    bool open(ConnectionEnds const& ends, std::string const& clientName);
+
+    /// Sends a message of the wire and waits for its acknowledgement; a `timeOut` of 0 or less
+    /// doesn't wait.
+    template <typename Message>
+    Status request(Message const& message, std::chrono::milliseconds timeOut);
+
+    /// Says goodbye, lets the frame close first, and ends.
+    void close();
+
+  private:
+    struct Waiting {
+        bool done = false;
+        Status status = eStatusTimeOut;
+        std::condition_variable changed;
+    };
+    using Clock = std::chrono::steady_clock;
+
+    bool shakeHands(std::string const& clientName, Socket::Deadline deadline);
+    std::optional<cplwire::RawMessage> readOne(Socket::Deadline deadline);
+    Status exchange(std::string const& bytes, std::uint32_t sequence,
+                    std::chrono::milliseconds timeOut);
+    bool send(std::string_view bytes, std::chrono::milliseconds limit);
+
+    void readLoop();
+    bool readSome();
+    bool handle(cplwire::RawMessage const& message);
+    bool heartbeat();
+    Clock::time_point nextLook() const;
+    void acknowledge(std::uint32_t sequence, Status status);
+    bool lose(std::string const& why);
+    void failAllWaiting();
+
+    ClientTimings const timings;
+    std::shared_ptr<CallbackThread> const news;
+    std::atomic<ClientConnectionState>& state;
+    Socket socket;
+
+    std::mutex writeLock;  // one message at a time on the socket
+
+    std::mutex waitingLock;
+    std::map<std::uint32_t, Waiting*> waiting;  // guarded by waitingLock
+    bool over = false;                          // guarded by waitingLock
+    std::condition_variable ended;              // over has become true
+    std::atomic<std::uint32_t> nextSequence{1};
+
+    // The reading thread's own.
+    cplwire::MessageSplitter splitter;
+    Clock::time_point lastHeard;
+    Clock::time_point lastPing;
+
+    std::atomic<bool> closing{false};
+    std::thread reader;
+};
