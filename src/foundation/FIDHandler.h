@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "platform/fid/FIDParameterList.h"
+
+#include <string>
 
 /// Whoever takes FIDs: the driver itself, and what feeds it.
 ///

@@ -1,11 +1,14 @@
 #include "foundation/Task.h"
 
 #include "foundation/Deadline.h"
+#include "platform/logging/LogManager.h"
 
 #include <boost/thread/exceptions.hpp>
 
 #include <mutex>
 #include <utility>
+
+using Brindlemoor::Utilities::Logging::LogManager;
 
 // The book of the runs under way. It outlives the task in the hands of its threads, so that the
 // last act of a thread, which may be the task's destruction, needs nothing of the task.
@@ -88,12 +91,27 @@ boost::thread Task::createThread() {
     // there is a handle to it.
     auto body = [this, entry = std::make_shared<Entry>(runs)]() mutable {
         auto const held = std::move(entry);
-        run();
+        runGuarded();
     };
     try {
         return boost::thread(std::move(body));
     } catch (boost::thread_resource_error const& error) {
         throw NoThread(error.code().value());
+    }
+}
+
+// A panel on air is better off with a driver that lost one of its threads than with none.
+void Task::runGuarded() {
+    auto const tell = [this](char const* reason) {
+        LogManager::getInstance()->getCategory("Tavrine_Frame_Driver").getErrorStream()
+            << "An exception ended the thread '" << getName() << "': " << reason;
+    };
+    try {
+        run();
+    } catch (std::exception const& error) {
+        tell(error.what());
+    } catch (...) {
+        tell("of unknown type");
     }
 }
 
@@ -137,10 +155,13 @@ void Task::signalStarted() { signal(startedEvent); }
 
 void Task::signalStopped() { signal(stoppedEvent); }
 
+// Signals outside the lock: a woken waiter may come straight back with a start or a stop.
 void Task::signal(std::shared_ptr<Signal> const& event) {
-    std::unique_lock guard(lock);
-    auto const held = event;
-    guard.unlock();
+    std::shared_ptr<Signal> held;
+    {
+        std::lock_guard guard(lock);
+        held = event;
+    }
     if (held)
         held->signal();
 }

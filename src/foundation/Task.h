@@ -21,8 +21,9 @@
 ///         signalStopped();
 ///     }
 ///
-/// `run` is not guarded: an exception that leaves it ends the process the way the threading
-/// library ends it. A `run` that returns by itself leaves `isRunning` true.
+/// `run` is not guarded: an exception that leaves it ends the thread with one error line in the
+/// log, and the rest of the driver goes on without it. As after a `run` that returns by itself,
+/// `isRunning` stays true and nothing is signalled.
 ///
 ///     keepRunning  running
 ///     true         false     constructed
@@ -83,6 +84,7 @@ class Task : public AbstractThread {
     class Entry;
 
     boost::thread createThread();
+    void runGuarded();
     void signal(std::shared_ptr<Signal> const& event);
 
     FrameDriver::Tools::SpinMutex lock;    // of thread and of both events
