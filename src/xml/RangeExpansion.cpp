@@ -1,0 +1,141 @@
+#include "xml/RangeExpansion.h"
+
+#include "foundation/Exceptions.h"
+#include "foundation/TextSearch.h"
+#include "foundation/ValueConversions.h"
+
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+// Each range of a text is replaced by each of its numbers in turn, and the text that results is
+// expanded again from its start, so the first range varies slowest.
+
+namespace FrameDriver::XML {
+namespace {
+
+using ErrorManagement::Exception::IllegalArgumentException;
+using Tools::cut;
+
+constexpr std::size_t none = std::string_view::npos;
+
+// A text that takes more replacements than this is a slip of the pen, and would take the
+// panel's memory or its time: the largest real range is a 16-bit field.
+constexpr std::size_t mostReplacements = std::size_t{1} << 20;
+
+struct Brackets {
+    char open;
+    char close;
+};
+
+/// One text on its way to becoming many.
+struct Expansion {
+    Brackets brackets;
+    std::list<std::string> texts{};
+    std::size_t replacements = 0;
+};
+
+void expandAny(Expansion& expansion, std::string const& text, std::size_t position);
+
+/// Where the marks of a range stand. What isn't there is `none`, which the cuts take as it is.
+struct Range {
+    Range(std::string_view text, Brackets brackets, std::size_t openAt)
+        : open(openAt), close(text.find(brackets.close, openAt)), dash(text.find('-', openAt)) {}
+
+    std::string_view lower(std::string_view text, std::size_t skip) const {
+        return cut(text, open + skip, dash - (open + skip));
+    }
+    std::string_view upper(std::string_view text, std::size_t skip) const {
+        return cut(text, dash + skip, close - (dash + skip));
+    }
+
+    std::size_t open;
+    std::size_t close;
+    std::size_t dash;
+};
+
+// Without its closing mark a range's suffix would be the whole text with the range in it, and
+// the expansion would never end.
+void begin(Expansion& expansion, Range const& range, std::uint64_t numbers) {
+    if (range.close == none)
+        throw IllegalArgumentException("A range has no closing bracket.");
+    if (numbers > mostReplacements - expansion.replacements)
+        throw IllegalArgumentException("A range stands for too many texts.");
+    expansion.replacements += numbers;
+}
+
+void expandWith(Expansion& expansion, std::string_view text, Range const& range,
+                std::string_view number) {
+    std::string next(text.substr(0, range.open));
+    next += number;
+    next += cut(text, range.close + 1);
+    expandAny(expansion, next, 0);
+}
+
+void expandHex(Expansion& expansion, std::string const& text, std::size_t position) {
+    std::size_t const open = text.find(expansion.brackets.open, position);
+    if (open == none)
+        return expansion.texts.push_back(text);
+    Range const range(text, expansion.brackets, open);
+    std::size_t const skip = text.compare(open + 1, 2, "0x") == 0 ? 3 : 1;
+    std::string_view const lowerText = range.lower(text, skip);
+    std::uint64_t const lower = Tools::hexStringToUInt32(lowerText);
+    std::uint64_t const upper = Tools::hexStringToUInt32(range.upper(text, skip));
+    if (lower > upper)
+        return;
+    begin(expansion, range, upper - lower + 1);
+    for (std::uint64_t value = lower; value <= upper; ++value) {
+        std::string digits = Tools::uint32ToHexString(static_cast<std::uint32_t>(value));
+        if (digits.size() < lowerText.size())
+            digits.insert(0, lowerText.size() - digits.size(), '0');
+        expandWith(expansion, text, range, digits);
+    }
+}
+
+void expandDecimal(Expansion& expansion, std::string const& text, std::size_t position) {
+    std::size_t const open = text.find(expansion.brackets.open, position);
+    if (open == none)
+        return expansion.texts.push_back(text);
+    Range const range(text, expansion.brackets, open);
+    std::int64_t const lower = Tools::stringToInt32(range.lower(text, 1));
+    std::int64_t const upper = Tools::stringToInt32(range.upper(text, 1));
+    if (lower > upper)
+        return;
+    begin(expansion, range, static_cast<std::uint64_t>(upper - lower) + 1);
+    for (std::int64_t value = lower; value <= upper; ++value)
+        expandWith(expansion, text, range, Tools::int32ToString(static_cast<std::int32_t>(value)));
+}
+
+void expandAny(Expansion& expansion, std::string const& text, std::size_t position) {
+    std::size_t const open = text.find(expansion.brackets.open, position);
+    if (open == none)
+        return expansion.texts.push_back(text);
+    bool const hex = text.size() > open + 2 && text[open + 2] == 'x';
+    (hex ? expandHex : expandDecimal)(expansion, text, position);
+}
+
+std::list<std::string> expandBy(void (*expand)(Expansion&, std::string const&, std::size_t),
+                                std::string const& text, Brackets brackets, std::size_t position) {
+    Expansion expansion{brackets};
+    expand(expansion, text, position);
+    return std::move(expansion.texts);
+}
+
+}  // namespace
+
+std::list<std::string> expandRange(std::string const& text, char open, char close,
+                                   std::size_t position) {
+    return expandBy(expandAny, text, {open, close}, position);
+}
+
+std::list<std::string> expandHexRange(std::string const& text, char open, char close,
+                                      std::size_t position) {
+    return expandBy(expandHex, text, {open, close}, position);
+}
+
+std::list<std::string> expandDecimalRange(std::string const& text, char open, char close,
+                                          std::size_t position) {
+    return expandBy(expandDecimal, text, {open, close}, position);
+}
+
+}  // namespace FrameDriver::XML
