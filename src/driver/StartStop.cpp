@@ -1,0 +1,134 @@
+// Bringing the driver up and taking it down. Start-up never fails as a whole: each step logs
+// what went wrong, and the driver goes on with what it has.
+#include "driver/BuildInfo.h"
+#include "driver/QuillaneQFD.h"
+#include "driver/VersionFile.h"
+
+#include "foundation/Exceptions.h"
+#include "foundation/NumberText.h"
+#include "platform/sal/Path.h"
+#include "xml/SettingsKeys.h"
+#include "xml/XMLUtilities.h"
+
+using FrameDriver::ErrorManagement::Exception::Exception;
+namespace SettingsKeys = FrameDriver::Tools::SettingsKeys;
+
+namespace {
+
+// Two ports for each panel of a system.
+constexpr int firstLocalPort = 6200;
+
+// This build binds to the panel's own address, whatever that is.
+constexpr char const* fixedLocalAddress = "";
+
+}  // namespace
+
+void QuillaneQFD::initialize() {
+    auto const versionFile = sal::Path::getCurrentWorkingDirPath().text() + "/Version";
+    versionText = readVersionText(versionFile, buildNumber, log);
+    logBanner();
+    startXML();
+    loadConfiguration();
+    loadAllConversions();
+    stateReady = true;
+    openClient();
+    resetPanel();
+    registerFIDs();
+    startObserver();
+    log.getInfoStream() << "Initialization complete.";
+}
+
+void QuillaneQFD::logBanner() {
+    log.getInfoStream() << "Tavrine Frame Driver";
+    log.getInfoStream() << "All rights reserved.";
+    log.getInfoStream() << "Version '" << versionText << "' Build " << buildNumber << " "
+                        << buildDate << " " << buildTime;
+    log.getInfoStream() << "Built by user '" << buildUser << "'";
+    log.getInfoStream() << "From hash '" << buildHash << "' on branch '" << buildBranch << "'";
+    log.getInfoStream() << "Tavrine Frame Driver Initializing.";
+}
+
+void QuillaneQFD::startXML() {
+    try {
+        FrameDriver::XML::startXMLUtilities();
+    } catch (Exception const& error) {
+        log.getErrorStream() << error.getMessage();
+    }
+}
+
+void QuillaneQFD::stopXML() {
+    try {
+        FrameDriver::XML::stopXMLUtilities();
+    } catch (Exception const& error) {
+        log.getErrorStream() << error.getMessage();
+    }
+}
+
+void QuillaneQFD::loadConfiguration() {
+    if (!loadSettings(SettingsKeys::settingsPath, settings)) {
+        log.getErrorStream() << "Driver failed to load Settings.xml file, loading default values";
+        if (!loadDefaultSettings())
+            log.getErrorStream() << "Driver failed to write default Settings.xml file.";
+    }
+    loadManifest(settings.get(SettingsKeys::simulatorConversionManifest), manifest);
+}
+
+void QuillaneQFD::loadAllConversions() {
+    log.getInfoStream() << "Loading command conversions.";
+    for (auto const& file : manifest.getFidToCPLDictionaries())
+        loadConversions(file, fidConversions);
+    for (auto const& file : manifest.getIssueToSIDDictionaries())
+        loadConversions(file, issueConversions);
+}
+
+// The handler is in place before the client opens: issues may come from then on.
+void QuillaneQFD::openClient() {
+    cplClient.setClientName(settings.get(SettingsKeys::clientName));
+    cplClient.addIssueHandler(this);
+    if (settings.contains(SettingsKeys::cplAckTimeout)) {
+        auto const timeout =
+            FrameDriver::Tools::int32Or(settings.get(SettingsKeys::cplAckTimeout), 0);
+        log.getInfoStream() << "CPL Send Ack Read Timeout = " << timeout << "ms";
+        cplClient.setSendTimeOut(timeout);
+    }
+    std::string address = fixedLocalAddress;
+    if (address.empty())
+        address = configuration->getHostAddress();
+    auto const port = firstLocalPort + 2 * configuration->getPanelIndex();
+    cplClient.open(address.c_str(), static_cast<unsigned short>(port));
+}
+
+// The wait may run out though the thread is up: a signal that comes before the wait is lost.
+// It is a courtesy of 60 ms, and its result means nothing.
+void QuillaneQFD::startObserver() {
+    auto const watcher = std::shared_ptr<FrameConnectionObserver>(
+        new FrameConnectionObserver(clock), [](FrameConnectionObserver* gone) {
+            Task::release(std::unique_ptr<Task>(gone));
+        });
+    watcher->setDriver(this);
+    observerGone = watcher->getGone();
+    std::atomic_store(&observer, watcher);
+    TimedSyncEvent started(60000);
+    watcher->start(&started);
+    started.waitForSignal();
+}
+
+void QuillaneQFD::deinitialize() {
+    log.getInfoStream() << "Driver deinitialize started.";
+    stopObserver();
+    cplClient.close();
+    stopXML();
+    log.getInfoStream() << "Driver deinitialize complete.";
+}
+
+// The observer's sleeps add up to more than the second of grace, so the warning is an expected
+// outcome of a normal stop. A thread that is still running then deletes the observer itself.
+void QuillaneQFD::stopObserver() {
+    auto const watcher = std::atomic_load(&observer);
+    TimedSyncEvent stopped(1000000);
+    if (watcher)
+        watcher->stop(&stopped);
+    if (!stopped.waitForSignal())
+        log.getWarnStream() << "The driver is unable to close the connection observer.";
+    std::atomic_store(&observer, std::shared_ptr<FrameConnectionObserver>());
+}

@@ -1,0 +1,209 @@
+#include "DriverFixture.h"
+
+#include <gtest/gtest.h>
+
+using namespace FrameDriver::Testing;
+
+namespace {
+
+class StartStop : public DriverFixture {
+  protected:
+    std::string noVersionFile() const {
+        return "info: Failed to open version file '" + directory.path() + "/Version'";
+    }
+    static Lines banner(std::string const& version) {
+        return {"info: Tavrine Frame Driver",
+                "info: All rights reserved.",
+                "info: Version '" + version + "' Build 745 Mar  8 2022 16:59:36",
+                "info: Built by user 'unknown'",
+                "info: From hash 'unknown' on branch 'unknown'",
+                "info: Tavrine Frame Driver Initializing."};
+    }
+    static Lines joined(std::initializer_list<Lines> parts) {
+        Lines all;
+        for (auto const& part : parts)
+            all.insert(all.end(), part.begin(), part.end());
+        return all;
+    }
+    std::string noFile(std::string const& path) const {
+        return "error: An error occurred while parsing the xml file. " + path;
+    }
+};
+
+Lines const running{"info: Loading command conversions.",
+                    "info: Resetting the panel to a clean state.",
+                    "info: Registering for panel FIDs.", "info: Initialization complete."};
+
+}  // namespace
+
+TEST_F(StartStop, AWholeInstallationComesUpInOrder) {
+    writeInstallation();
+    directory.write("Version", "745=12.3z7\n");
+    load();
+    EXPECT_EQ(log.take(),
+              joined({{"info: From version file: buildNum: '745', printedVersion: '12.3z7'"},
+                      banner("12.3"),
+                      running}));
+    EXPECT_EQ(frame().takeCalls(), (Lines{"setName(\"Panel 1\")", "open(\"\", 6200)",
+                                          "registerCallback(0)"}));
+}
+
+TEST_F(StartStop, WithoutTheAckSettingTheLibrarysTimeOutStands) {
+    writeInstallation();
+    load();
+    for (auto const& call : frame().calls())
+        EXPECT_EQ(call.find("setSendTimeOut"), std::string::npos) << call;
+}
+
+TEST_F(StartStop, TheAckSettingIsTakenAsMilliseconds) {
+    struct {
+        char const* text;
+        char const* read;
+    } const rows[] = {{"250", "250"}, {"abc", "0"}, {"", "0"}, {" 12ms", "12"}, {"-1", "-1"}};
+    for (auto const& row : rows) {
+        SCOPED_TRACE(row.text);
+        HandClock ownClock;
+        ownClock.release();
+        writeInstallation();
+        writeSettings({{"Simulator Conversion Manifest", "Configuration/SimulatorManifest.xml"},
+                       {"CPL Ack Timeout", row.text}});
+        log.take();
+        QuillaneQFD own(ownClock);
+        own.initialize();
+        EXPECT_TRUE(log.has(std::string("info: CPL Send Ack Read Timeout = ") + row.read + "ms"));
+        auto const calls = frame().calls();
+        EXPECT_EQ(calls.at(0), std::string("setSendTimeOut(") + row.read + ")");
+    }
+}
+
+TEST_F(StartStop, WithoutAnyFileTheDriverRunsOnDefaultsAndWritesThem) {
+    load();
+    auto const lines = log.take();
+    EXPECT_EQ(lines.at(0), noVersionFile());
+    EXPECT_TRUE(std::find(lines.begin(), lines.end(),
+                          "error: Driver failed to load Settings.xml file, loading default "
+                          "values") != lines.end());
+    EXPECT_EQ(lines.back(), "info: Initialization complete.");
+    EXPECT_EQ(driver->getFrameAddress(), "127.0.0.1");
+    EXPECT_EQ(driver->getVersionText(), "BUDDY BUILD");
+    EXPECT_NE(directory.read("Configuration/Settings.xml").find("Velmar Panel"),
+              std::string::npos);
+    EXPECT_EQ(frame().takeCalls().at(0), "setName(\"Velmar Panel\")");
+
+    FrameDriver::Tools::Settings again;
+    EXPECT_TRUE(driver->loadSettings("Configuration/Settings.xml", again));
+    EXPECT_EQ(again.get("Simulator Frame Address"), "127.0.0.1");
+}
+
+TEST_F(StartStop, DefaultsThatCannotBeWrittenStayInMemory) {
+    std::filesystem::remove_all(directory.path() + "/Configuration");
+    directory.write("Configuration", "not a directory");
+    load();
+    EXPECT_TRUE(log.has("error: Driver failed to write default Settings.xml file."));
+    EXPECT_TRUE(log.has("error: An unhandled exception occurred while saving settings."));
+    EXPECT_EQ(driver->getFrameAddress(), "127.0.0.1");
+}
+
+TEST_F(StartStop, AManifestThatCannotBeLoadedLeavesADriverThatConvertsNothing) {
+    writeInstallation();
+    directory.write("Configuration/SimulatorManifest.xml", "<manifest>");
+    load();
+    sinks.take();
+    log.take();
+    driver->handleFID("PANEL.ANY", {});
+    EXPECT_EQ(log.take(), (Lines{"debug: No conversion found for: FID: id=PANEL.ANY, data=[\222"}));
+}
+
+TEST_F(StartStop, ADictionaryThatCannotBeLoadedLeavesTheOthers) {
+    writeInstallation();
+    writeManifest("<moduleConfiguration><fidToCPLDictionary>bad.xml</fidToCPLDictionary>"
+                  "</moduleConfiguration><moduleConfiguration>"
+                  "<fidToCPLDictionary>good.xml</fidToCPLDictionary></moduleConfiguration>");
+    directory.write("bad.xml", "<dictionary><conversion></dictionary>");
+    writeDictionary("good.xml", "<conversion><from xsi:type=\"fid\"><id>GOOD</id></from>"
+                                "<to xsi:type=\"sid\"><id>S</id><value>1</value></to></conversion>");
+    load();
+    sinks.take();
+    driver->handleFID("GOOD", {});
+    EXPECT_EQ(sinks.take(), (Lines{"SID S = 1"}));
+    unsigned errors = 0;
+    for (auto const& line : log.take())
+        errors += line.starts_with("error: ");
+    EXPECT_EQ(errors, 1U + 4U);  // the file, and the names that the two modules leave empty
+}
+
+TEST_F(StartStop, ABadRangeEndsTheLoadingOfItsFileWithOneLine) {
+    writeInstallation();
+    writeDictionary("FIDs-to-frame.xml",
+                    "<conversion><from xsi:type=\"fid\"><id>A(x)</id></from></conversion>");
+    load();
+    EXPECT_TRUE(log.has("error: An unforeseen problem has occurred while parsing the xml file "
+                        "FIDs-to-frame.xml"));
+}
+
+TEST_F(StartStop, FIDsAreRegisteredFromAllListsAndDoublesAreHarmless) {
+    writeInstallation();
+    writeManifest("<moduleConfiguration><fidRegistrationList>one.xml</fidRegistrationList>"
+                  "<fidToCPLDictionary>FIDs-to-frame.xml</fidToCPLDictionary>"
+                  "</moduleConfiguration><moduleConfiguration>"
+                  "<fidRegistrationList>two.xml</fidRegistrationList></moduleConfiguration>");
+    writeFIDs("one.xml", "<fid>B(1-2)</fid><fid>AAAA</fid>");
+    writeFIDs("two.xml", "<fid>AAAA</fid><fid>CCCC</fid>");
+    writeDictionary("FIDs-to-frame.xml",
+                    "<conversion><from xsi:type=\"fid\"><id>{@n}</id></from>"
+                    "<to xsi:type=\"sid\"><id>HEARD</id><value>{@n}</value></to></conversion>");
+    load();
+    sinks.take();
+    for (auto const* name : {"AAAA", "B1.X", "CCCC", "DDDD"})
+        functions().handleFID(name, {});
+    EXPECT_EQ(sinks.take(), (Lines{"SID HEARD = AAAA", "SID HEARD = CCCC"}));
+}
+
+TEST_F(StartStop, StoppingAnObserverThatSleepsOnWarnsAndGoesOn) {
+    writeInstallation();
+    load();
+    clock.sleeping();
+    log.take();
+    frame().takeCalls();
+    configuration().unload();
+    EXPECT_EQ(log.take(),
+              (Lines{"info: Driver deinitialize started.",
+                     "warning: The driver is unable to close the connection observer.",
+                     "info: Driver deinitialize complete."}));
+    EXPECT_EQ(frame().takeCalls(), (Lines{"unregisterCallback(1)", "close()"}));
+}
+
+TEST_F(StartStop, StoppingAnObserverThatEndsInTimeSaysNothing) {
+    writeInstallation();
+    load();
+    clock.sleeping();
+    log.take();
+    frame().takeCalls();
+    clock.release();
+    configuration().unload();
+    // The signal may come before the wait begins and is lost then; either way nothing else.
+    auto lines = log.take();
+    std::erase(lines, "warning: The driver is unable to close the connection observer.");
+    std::erase_if(lines, [](auto const& line) { return line.find("frame") != std::string::npos; });
+    EXPECT_EQ(lines, (Lines{"info: Driver deinitialize started.",
+                            "info: Driver deinitialize complete."}));
+}
+
+TEST_F(StartStop, ADriverThatGoesAwayClosesItsClient) {
+    writeInstallation();
+    load();
+    clock.sleeping();
+    Lines calls;
+    std::mutex lock;
+    frame().takeCalls();
+    frame().onCall([&](std::string const& call) {
+        std::lock_guard const guard(lock);
+        calls.push_back(call);
+    });
+    clock.release();
+    driver.reset();
+    std::lock_guard const guard(lock);
+    std::erase_if(calls, [](auto const& call) { return call.starts_with("connect("); });
+    EXPECT_EQ(calls, (Lines{"cancelSubscriptions(flags=3, service=3, 0)",
+                            "unregisterCallback(1)", "close()"}));
+}
