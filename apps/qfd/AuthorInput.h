@@ -20,8 +20,7 @@ void forEachText(std::vector<std::string> const& texts,
 std::string currentExceptionText();
 
 /// Puts "KEY=VALUE" pairs into the store. Throws InputError for one without "=".
-void fillContext(FrameDriver::Template::ContextStore& store,
-                 std::vector<std::string> const& pairs);
+void fillContext(FrameDriver::Template::ContextStore& store, std::vector<std::string> const& pairs);
 
 /// A result on one line: a line feed as "\x0a", a backslash as "\x5c", all else as it is.
 std::string onOneLine(std::string_view result);

@@ -70,7 +70,7 @@ std::string narrowed(std::string_view utf8) {
     std::string out;
     out.reserve(utf8.size());
     for (std::size_t i = 0; i < utf8.size(); ++i) {
-        auto const lead = static_cast<unsigned char>(utf8[i]);
+        unsigned const lead = static_cast<unsigned char>(utf8[i]);
         if (lead < 0x80) {
             out.push_back(utf8[i]);
             continue;
@@ -80,9 +80,8 @@ std::string narrowed(std::string_view utf8) {
             ++next;
         }
         bool const fits = (lead == 0xc2 || lead == 0xc3) && next == i + 2;
-        out.push_back(fits ? static_cast<char>((lead << 6U) |
-                                               (static_cast<unsigned char>(utf8[i + 1]) & 0x3fU))
-                           : '?');
+        unsigned const tail = fits ? static_cast<unsigned char>(utf8[i + 1]) & 0x3fU : 0;
+        out.push_back(fits ? static_cast<char>((lead << 6U) | tail) : '?');
         i = next - 1;
     }
     return out;

@@ -2,6 +2,7 @@
 #include "Command.h"
 #include "ConvertCommand.h"
 #include "DecorateCommand.h"
+#include "DemoCommand.h"
 #include "DidCommand.h"
 #include "ExpandCommand.h"
 #include "FrameCommand.h"
@@ -18,9 +19,10 @@ namespace {
 
 /// The jobs, in the order in which `qfd --help` shows them.
 constexpr void (*addCommands[])(CLI::App&, qfd::Job&) = {
-    qfd::addFrameCommand,  qfd::addPanelCommand,    qfd::addConvertCommand,
-    qfd::addDidCommand,    qfd::addTemplateCommand, qfd::addMessageCommand,
-    qfd::addExpandCommand, qfd::addDecorateCommand, qfd::addCheckCommand,
+    qfd::addDemoCommand,    qfd::addFrameCommand,  qfd::addPanelCommand,
+    qfd::addConvertCommand, qfd::addDidCommand,    qfd::addTemplateCommand,
+    qfd::addMessageCommand, qfd::addExpandCommand, qfd::addDecorateCommand,
+    qfd::addCheckCommand,
 };
 
 constexpr char helpFooter[] =

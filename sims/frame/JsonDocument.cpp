@@ -142,11 +142,11 @@ class TreeBuilder {
     std::string toBytes(std::string_view utf8, std::size_t at) const {
         std::string bytes;
         for (std::size_t i = 0; i < utf8.size(); ++i) {
-            auto const lead = static_cast<unsigned char>(utf8[i]);
+            unsigned const lead = static_cast<unsigned char>(utf8[i]);
             if (lead < 0x80) {
                 bytes.push_back(utf8[i]);
             } else if (lead <= 0xc3) {
-                auto const next = static_cast<unsigned char>(utf8[++i]);
+                unsigned const next = static_cast<unsigned char>(utf8[++i]);
                 bytes.push_back(static_cast<char>((lead << 6U) | (next & 0x3fU)));
             } else {
                 document.fail(at, "the text has a character above U+00FF, which no byte holds");

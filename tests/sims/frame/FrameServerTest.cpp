@@ -614,6 +614,9 @@ TEST_F(Server, APresentValueIsNeverFollowedByAnOlderOne) {
             server->frame().set({62, 0x3e000000}, 1, Value::ofInteger(DataType::Int32, 1));
         }
     });
+    while (server->frame().value({62, 0x3e000000})->integer() == 0) {
+        std::this_thread::yield();
+    }
     for (int i = 0; i < 50; ++i) {
         client->subscribe(62, 0x3e000000, 2, static_cast<std::uint16_t>(i));
     }

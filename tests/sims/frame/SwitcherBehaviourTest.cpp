@@ -17,7 +17,6 @@ constexpr EventKey recall{64, 0x35000000};
 constexpr EventKey store{65, 0x35000000};
 constexpr EventKey copy{85, 0x35000000};
 constexpr ParameterKey program{10, 0x24000000};
-constexpr ParameterKey preset{10, 0x24000100};
 constexpr ParameterKey key1Fill{10, 0x24000200};
 constexpr ParameterKey key1On{20, 0x08000000};
 constexpr ParameterKey key3On{20, 0x08000020};

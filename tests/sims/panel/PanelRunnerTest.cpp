@@ -81,6 +81,7 @@ TEST_F(PanelRunnerTest, AWaitForWhatWasNeverShownSaysSo) {
 }
 
 TEST_F(PanelRunnerTest, AWaitThatFailsShowsTheLastOfManyThings) {
+    run(":wait SID CALLS");
     for (int i = 1; i <= 25; ++i) {
         host.record().setState("S", std::to_string(i));
     }
