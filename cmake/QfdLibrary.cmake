@@ -61,6 +61,9 @@ function(qfd_add_test name)
   target_link_libraries(${name} PRIVATE ${ARG_LINK} qfd_options GTest::gmock GTest::gtest
                                         GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE ${ARG_DEFINITIONS})
+  # What every test includes is parsed once; and a test has no need of the last optimisation.
+  target_precompile_headers(${name} PRIVATE <gtest/gtest.h> <memory> <string> <vector>)
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
     TEST_PREFIX "${name}." PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()

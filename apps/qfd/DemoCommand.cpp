@@ -73,8 +73,7 @@ std::vector<Step> show() {
          "ME1.CUT",
          {{"frame", "< event eid=40 did=03000000"},
           {"panel", "SID ME1.PGM.SRC5 = ON"},
-          {"panel", "SID TALLY.SRC5 = ON"},
-          {"panel", "SID TALLY.SRC1 = OFF"}}},
+          {"panel", "SID TALLY.SRC5 = ON"}}},
         {"Key 1 on",
          "panel",
          "ME1.KEY1.TOGGLE",
@@ -88,13 +87,14 @@ std::vector<Step> show() {
          "panel",
          "ME1.LEVER VAL=1024",
          {{"frame", "< set pid=30 did=03000000 flag=0 type=UInt16 value=1024"},
-          {"panel", "SID ME1.LEVER.POSITION = 1024"}}},
+          {"panel", "SID ME1.LEVER.POSITION = 1024"},
+          {"panel", "TID ME1.LEVER.DONE = 25.0%"}}},
         {"Another operator takes source 7 to program",
          "operator",
          "set 10 24000000 7",
          {{"panel", "SID ME1.PGM.SRC5 = OFF"},
           {"panel", "SID ME1.PGM.SRC7 = ON"},
-          {"panel", "TID ME1.PGM.NAME = Camera 7"}}},
+          {"panel", "TID ME1.PGM.NAME = Playback 1"}}},
     };
 }
 
@@ -114,7 +114,7 @@ std::vector<Expected> connected() {
             {"panel", "SID SYSTEM.REBOOT_INDICATION = "},
             {"panel", "SID FRAME.CONNECTED = ON"},
             {"panel", "SID ME1.PGM.SRC1 = ON"},
-            {"panel", "TID SOURCE16.NAME = "}};
+            {"panel", "TID SOURCE16.NAME = Remote 2"}};
 }
 
 bool open(Players& players) {

@@ -89,11 +89,16 @@ void print(std::string_view name, Figures figures, std::vector<bool> const& walk
         if (walks[i])
             missed.push_back(figures.times[i]);
     }
+    std::string stopped;
+    if (figures.times.size() < walks.size())
+        stopped.append("  |  stopped after ")
+            .append(std::to_string(figures.times.size()))
+            .append(" texts");
     std::printf("  %-18.*s median %7.0f  p99 %7.0f  mean %7.0f  |  missed: median %7.0f  p99 "
-                "%7.0f  |  %zu texts\n",
+                "%7.0f%s\n",
                 static_cast<int>(name.size()), name.data(), quantile(figures.times, 0.5),
                 quantile(figures.times, 0.99), figures.mean, quantile(missed, 0.5),
-                quantile(missed, 0.99), figures.times.size());
+                quantile(missed, 0.99), stopped.c_str());
 }
 
 // Which texts no kept list answers, so that they go through the tree.

@@ -377,7 +377,11 @@ void ClientSession::send(Message const& message, Line line, std::uint32_t sequen
     heldBytes += bytes.size();
     held.push_back(services.faults.deliver(std::move(bytes), std::move(line),
                                            std::chrono::steady_clock::now()));
-    if (heldBytes + outbox.size() - taken > services.queueLimit) {
+    // A burst is no proof that a panel doesn't read: first see what the system takes.
+    if (waitingBytes() > services.queueLimit) {
+        writeSome(std::chrono::steady_clock::now());
+    }
+    if (isOpen() && waitingBytes() > services.queueLimit) {
         close("does not read: more than " + std::to_string(services.queueLimit) +
               " bytes are waiting");
     }

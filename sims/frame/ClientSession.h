@@ -89,6 +89,7 @@ class ClientSession {
     void sendItems(ListKey key, std::uint16_t count, std::string_view payload,
                    ListItem const* single);
 
+    std::size_t waitingBytes() const { return heldBytes + outbox.size() - taken; }
     Line received(std::string_view what) const;
     Line sent(std::string_view what) const;
     template <typename Message>

@@ -4,12 +4,12 @@
 #include "sims/frame/ListLayouts.h"
 #include "sims/frame/Value.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -18,20 +18,32 @@ namespace FrameSim {
 struct ParameterKey {
     std::int32_t pid;
     std::uint32_t did;
-    auto operator<=>(ParameterKey const&) const = default;
+
+    bool operator==(ParameterKey const&) const = default;
+    bool operator<(ParameterKey const& other) const {
+        return std::tie(pid, did) < std::tie(other.pid, other.did);
+    }
 };
 
 struct EventKey {
     std::int32_t eid;
     std::uint32_t did;
-    auto operator<=>(EventKey const&) const = default;
+
+    bool operator==(EventKey const&) const = default;
+    bool operator<(EventKey const& other) const {
+        return std::tie(eid, did) < std::tie(other.eid, other.did);
+    }
 };
 
 struct ListKey {
     std::int32_t lid;
     std::uint16_t number;
     std::uint32_t did;
-    auto operator<=>(ListKey const&) const = default;
+
+    bool operator==(ListKey const&) const = default;
+    bool operator<(ListKey const& other) const {
+        return std::tie(lid, number, did) < std::tie(other.lid, other.number, other.did);
+    }
 };
 
 struct Parameter {

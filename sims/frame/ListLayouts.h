@@ -28,7 +28,7 @@ struct ListItem {
     std::uint32_t itemId = 0;
     std::uint32_t nextItemId = 0;  ///< the item that follows, 0 at the end
     std::int16_t status = 1;
-    bool empty = false;         ///< sent without fields, as a deleted item is
+    bool empty = false;              ///< sent without fields, as a deleted item is
     std::vector<Value> fields = {};  ///< by the list's layout
 
     bool operator==(ListItem const&) const = default;

@@ -287,7 +287,7 @@ std::unique_ptr<CPL::Subscription> readBatchSubscription(std::string_view text) 
     auto batch = std::make_unique<CPL::BatchSubscription>(
         std::move(list), subscriptionFlagIn(cut(flag, flag.find('=') + 1)));
     for (auto& member : members)
-        member.release();
+        static_cast<void>(member.release());  // the batch has it
     return batch;
 }
 

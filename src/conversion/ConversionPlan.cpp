@@ -229,10 +229,10 @@ ConversionPlan::Match ConversionPlan::match(SearchedText const& text, Captures& 
 // A text that isn't empty and must be used up by literals ends with one of them. Often the final
 // one is there for certain (a closing byte); then this says nothing and costs nothing.
 bool ConversionPlan::mayEnd(SearchedText const& text) const {
-    if (!endsInLiteral() || text.empty())
+    if (!endsInLiteral() || text.empty() || (innerEnds & markOf(text.view().back())) != 0)
         return true;
-    return text.view().ends_with(literal(pieces - 1)) ||
-           (innerEnds & markOf(text.view().back())) != 0;
+    auto const ending = literal(pieces - 1);
+    return ending.empty() || (ending.back() == text.view().back() && text.view().ends_with(ending));
 }
 
 bool ConversionPlan::convert(SearchedText const& text, Template::ContextStore* context,

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "driver/StaticFIDFunction.h"
+#include "platform/host/IFunctionID.h"
+#include "platform/host/IFunctionSink.h"
+#include "platform/host/IStateSink.h"
+
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
 #include <utility>
-
-#include "driver/StaticFIDFunction.h"
-#include "platform/host/IFunctionID.h"
-#include "platform/host/IFunctionSink.h"
-#include "platform/host/IStateSink.h"
 
 /// The host's door for FIDs, and the driver's door to the host's sinks.
 ///

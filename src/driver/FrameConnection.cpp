@@ -1,10 +1,11 @@
 // The operations that run once per connection, and those that bring a connection about.
-#include "driver/QuillaneQFD.h"
-
 #include "cpl/Subscription.h"
+#include "driver/QuillaneQFD.h"
 #include "xml/SettingsKeys.h"
 
 #include <cstdio>
+#include <memory>
+#include <vector>
 
 namespace SettingsKeys = FrameDriver::Tools::SettingsKeys;
 
@@ -60,10 +61,10 @@ void QuillaneQFD::subscribeToFrame() {
     for (auto const& file : manifest.getCplSubscriptionLists()) {
         Subscriptions list;
         loadSubscriptions(file, list);
-        for (auto const* subscription : list) {
-            std::unique_ptr<FrameDriver::CPL::Subscription const> const owned(subscription);
-            cplClient.send(subscription);
-        }
+        std::vector<std::unique_ptr<FrameDriver::CPL::Subscription const>> const owned(list.begin(),
+                                                                                       list.end());
+        for (auto const& subscription : owned)
+            cplClient.send(subscription.get());
     }
 }
 
@@ -76,6 +77,4 @@ void QuillaneQFD::registerFIDs() {
         functions->addFunction<QuillaneQFD>(name, this, &QuillaneQFD::handleFID);
 }
 
-void QuillaneQFD::resetPanel() {
-    log.getInfoStream() << "Resetting the panel to a clean state.";
-}
+void QuillaneQFD::resetPanel() { log.getInfoStream() << "Resetting the panel to a clean state."; }

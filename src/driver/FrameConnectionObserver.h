@@ -1,10 +1,10 @@
 #pragma once
 
-#include <atomic>
-#include <future>
-
 #include "foundation/Clock.h"
 #include "foundation/Task.h"
+
+#include <atomic>
+#include <future>
 
 class QuillaneQFD;
 

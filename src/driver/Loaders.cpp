@@ -1,10 +1,9 @@
 // The driver's files. Every loader has one shape: parse on the stack, take the result over,
 // and turn whatever goes wrong into one log line.
-#include "driver/QuillaneQFD.h"
-
 #include "conversion/ManifestParser.h"
 #include "conversion/TemplateConversionCollectionParser.h"
 #include "cpl/Subscription.h"
+#include "driver/QuillaneQFD.h"
 #include "foundation/Exceptions.h"
 #include "xml/CPLSubscriptionListParser.h"
 #include "xml/FIDRegistrationListParser.h"
@@ -12,6 +11,7 @@
 #include "xml/SettingsParser.h"
 #include "xml/SettingsWriter.h"
 
+#include <functional>
 #include <utility>
 
 using FrameDriver::Conversion::TemplateConversionCollection;
@@ -78,8 +78,8 @@ bool QuillaneQFD::loadSubscriptions(std::string const& path, Subscriptions& targ
     return load<CPLSubscriptionListParser>(
         path, "An unhandled exception occurred while loading subscriptions.",
         [&](Subscriptions&& result) {
-            result.sort();
-            target.merge(result);
+            result.sort(std::less<>());
+            target.merge(result, std::less<>());
         });
 }
 

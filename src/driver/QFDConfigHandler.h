@@ -1,17 +1,18 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "driver/FIDMapHandler.h"
 #include "driver/IQFDFramework.h"
 #include "platform/host/IQFDConfiguration.h"
 
+#include <atomic>
+#include <cstdint>
+#include <string>
+
 /// What the host knows and the driver needs: the panel's number, the panel's own address, the
 /// sinks; and the host's handle to start and stop the driver.
 ///
-/// Thread: the host's, before `load` and around `unload`. `panelIndex` and `hostAddress` are
-/// read on other threads while the driver runs, and not written then.
+/// Thread: the host's, one call after another. `getPanelIndex` from any; it follows a later
+/// `configure` at once, while the port and the address stay those that the driver started with.
 class QFDConfigHandler : public IQFDConfiguration {
   public:
     QFDConfigHandler() = default;
@@ -20,8 +21,8 @@ class QFDConfigHandler : public IQFDConfiguration {
     IInterface* queryInterface(int id) override;
 
     void configure(std::int32_t index, std::string const& first, std::string const& second,
-                   std::string const& address, std::string const& fourth,
-                   std::string const& fifth, std::string const& sixth) override;
+                   std::string const& address, std::string const& fourth, std::string const& fifth,
+                   std::string const& sixth) override;
     void setStateSink(IStateSink* sink) override;
     void setFunctionSink(IFunctionSink* sink) override;
     void setHostToken(void* word) override { hostToken = word; }
@@ -43,8 +44,8 @@ class QFDConfigHandler : public IQFDConfiguration {
     [[maybe_unused]] void* hostValue = nullptr;  // kept for the host; nothing reads it
     IQFDFramework* framework = nullptr;
     [[maybe_unused]] void* hostToken = nullptr;  // likewise
-    std::int32_t panelIndex = 0;
-    // The order is that of the panel's older software, not that of the arguments.
+    std::atomic<std::int32_t> panelIndex{0};
+    // The order is part of the object's shape; it isn't that of the arguments.
     std::string firstText;
     std::string secondText;
     std::string sixthText;

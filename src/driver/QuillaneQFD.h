@@ -40,13 +40,11 @@ class Subscription;
 /// the process. Destroying one (tests do) waits for its observer's thread.
 /// Errors: start-up never fails as a whole, each step logs what it has to do without. On the
 /// road of a FID or an issue nothing is caught.
-class QuillaneQFD : public QFDBase,
-                    public FrameDriver::CPL::IssueHandler,
-                    public FIDHandler {
+class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, public FIDHandler {
   public:
     /// The clock serves the observer's sleeps and the time of the panel's reboot indication.
-    explicit QuillaneQFD(FrameDriver::Tools::Clock& driverClock =
-                             FrameDriver::Tools::Clock::system());
+    explicit QuillaneQFD(
+        FrameDriver::Tools::Clock& driverClock = FrameDriver::Tools::Clock::system());
     ~QuillaneQFD() override;
 
     void initialize() override;

@@ -1,8 +1,7 @@
 // What a result line does is told by its prefix: the part ahead of the first ":", compared
 // whole. A line without ":" is its own prefix.
-#include "driver/QuillaneQFD.h"
-
 #include "cpl/Message.h"
+#include "driver/QuillaneQFD.h"
 
 #include <string_view>
 

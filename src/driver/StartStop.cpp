@@ -3,7 +3,6 @@
 #include "driver/BuildInfo.h"
 #include "driver/QuillaneQFD.h"
 #include "driver/VersionFile.h"
-
 #include "foundation/Exceptions.h"
 #include "foundation/NumberText.h"
 #include "platform/sal/Path.h"
@@ -16,7 +15,7 @@ namespace SettingsKeys = FrameDriver::Tools::SettingsKeys;
 namespace {
 
 // Two ports for each panel of a system.
-constexpr int firstLocalPort = 6200;
+constexpr unsigned firstLocalPort = 6200;
 
 // This build binds to the panel's own address, whatever that is.
 constexpr char const* fixedLocalAddress = "";
@@ -94,7 +93,8 @@ void QuillaneQFD::openClient() {
     std::string address = fixedLocalAddress;
     if (address.empty())
         address = configuration->getHostAddress();
-    auto const port = firstLocalPort + 2 * configuration->getPanelIndex();
+    auto const panel = static_cast<unsigned>(configuration->getPanelIndex());
+    auto const port = firstLocalPort + 2 * panel;  // any number gives some port
     cplClient.open(address.c_str(), static_cast<unsigned short>(port));
 }
 
@@ -102,9 +102,8 @@ void QuillaneQFD::openClient() {
 // It is a courtesy of 60 ms, and its result means nothing.
 void QuillaneQFD::startObserver() {
     auto const watcher = std::shared_ptr<FrameConnectionObserver>(
-        new FrameConnectionObserver(clock), [](FrameConnectionObserver* gone) {
-            Task::release(std::unique_ptr<Task>(gone));
-        });
+        new FrameConnectionObserver(clock),
+        [](FrameConnectionObserver* gone) { Task::release(std::unique_ptr<Task>(gone)); });
     watcher->setDriver(this);
     observerGone = watcher->getGone();
     std::atomic_store(&observer, watcher);

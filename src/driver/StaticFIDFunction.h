@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "platform/fid/FIDParameterList.h"
+
+#include <string>
 
 /// What a registered FID name leads to.
 class StaticFIDFunctionBase {

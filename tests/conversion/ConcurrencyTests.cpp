@@ -22,7 +22,7 @@ TEST(Concurrency, ConversionsOfSeveralThreadsAndAdditionsDontDisturbEachOther) {
     TemplateConversionCollection late;
     Template::ContextStore context;
     for (int i = 0; i < 20; ++i) {
-        auto const name = "N" + std::to_string(i) + "=";
+        auto const name = std::string("N").append(std::to_string(i)).append("=");
         collection.add({TemplateParser::parse(name + "{@x}"), {TemplateParser::parse(name)}});
         late.add({TemplateParser::parse("late" + name), {TemplateParser::parse(name)}});
     }
@@ -31,7 +31,8 @@ TEST(Concurrency, ConversionsOfSeveralThreadsAndAdditionsDontDisturbEachOther) {
     for (int t = 0; t < 3; ++t) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < 300; ++i) {
-                auto const name = "N" + std::to_string((i * 7 + t) % 20) + "=";
+                auto const name =
+                    std::string("N").append(std::to_string((i * 7 + t) % 20)).append("=");
                 auto const results = collection.convert(name + "1", &context);
                 wrong += results == std::vector<std::string>{name} ? 0 : 1;
             }

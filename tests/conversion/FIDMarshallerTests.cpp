@@ -71,7 +71,8 @@ TEST(FIDMarshaller, ALongTextIsWrittenWhole) {
     Parameters parameters;
     std::string expected = "FID: id=" + std::string(500, 'N') + ", data=[";
     for (int i = 0; i < 50; ++i) {
-        parameters.emplace_back("name" + std::to_string(i), std::string(100, 'v'));
+        parameters.emplace_back(std::string("name").append(std::to_string(i)),
+                                std::string(100, 'v'));
         expected.append(i == 0 ? "" : ", ").append("name").append(std::to_string(i));
         expected.append("=").append(std::string(100, 'v'));
     }

@@ -74,12 +74,12 @@ TEST_F(Tree, ASecondEntryOfTheSameSegmentsIsDropped) {
 TEST_F(Tree, ManyChildrenKeepTheirOrderAndTheirKeys) {
     std::string expected = "0 root\n";
     for (int i = 0; i < 100; ++i) {
-        auto const name = "N" + std::to_string(i);
+        auto const name = std::string("N").append(std::to_string(i));
         add(name);
-        expected += " 1 " + name + "\n  2 leaf " + name + "\n";
+        expected.append(" 1 ").append(name).append("\n  2 leaf ").append(name).append("\n");
     }
     for (int i = 99; i >= 0; --i)
-        add("N" + std::to_string(i));
+        add(std::string("N").append(std::to_string(i)));
     EXPECT_EQ(printed(), expected);
 }
 

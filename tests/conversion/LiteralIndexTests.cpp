@@ -57,8 +57,10 @@ TEST(LiteralIndex, NamesOfManyLevels) {
     std::vector<std::string> literals;
     std::vector<std::string> texts;
     for (int i = 0; i < 500; ++i) {
-        auto const name =
-            std::string("FID: id=A.B") + std::to_string(i % 7) + ".C" + std::to_string(i);
+        auto const name = std::string("FID: id=A.B")
+                              .append(std::to_string(i % 7))
+                              .append(".C")
+                              .append(std::to_string(i));
         literals.push_back(name + ", data=[");
         texts.push_back(name + ", data=[x=1\x92");
         texts.push_back(name + ", data=\x92 FID: id=" + name + ", data=[");
@@ -71,7 +73,7 @@ TEST(LiteralIndex, NamesOfManyLevels) {
 TEST(LiteralIndex, ManyBeginnings) {
     std::vector<std::string> literals;
     for (int i = 0; i < 300; ++i)
-        literals.push_back(std::string(1, static_cast<char>(i)) + std::to_string(i * 7));
+        literals.push_back(std::string(1, static_cast<char>(i)).append(std::to_string(i * 7)));
     std::string all;
     for (auto const& literal : literals)
         all += literal;

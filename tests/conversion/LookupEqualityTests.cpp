@@ -121,5 +121,22 @@ TEST(LookupEquality, AnswersAsThePlainWalkForRandomDictionaries) {
               << ", with exceptions " << failed << '\n';
 }
 
+// Large enough for groups of many literals, whose index is made from a sample of them.
+TEST(LookupEquality, AnswersAsThePlainWalkForLargeDictionaries) {
+    auto const seed = chooseSeed();
+    DictionaryGenerator generator(seed);
+    for (auto const shape : DictionaryGenerator::allShapes) {
+        auto const& entries = generator.makeDictionary(shape, 1500);
+        Pair pair;
+        for (auto const& entry : entries)
+            pair.add(entry);
+        for (int k = 0; k < 400; ++k) {
+            auto const text = generator.makeText();
+            ASSERT_TRUE(pair.agree(text)) << "shape " << static_cast<int>(shape) << ", text " << k
+                                          << ": " << ::testing::PrintToString(text);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace FrameDriver::Conversion

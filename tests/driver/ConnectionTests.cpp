@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+#include <stdexcept>
+
 using namespace FrameDriver::Testing;
 
 namespace {
@@ -50,8 +53,8 @@ TEST_F(Connection, TheFrameIsThereAtTheStart) {
     EXPECT_EQ(sinks.take(),
               (Lines{"SID SYSTEM.REBOOT_INDICATION = 09:05", "SID INIT = 1.2/Mar  8 2022"}));
     EXPECT_EQ(frame().takeCalls(), (Lines{subscribed}));
-    EXPECT_EQ(log.take(), (Lines{"info: Frame connection complete.",
-                                 "info: Subscribing to frame parameter."}));
+    EXPECT_EQ(log.take(),
+              (Lines{"info: Frame connection complete.", "info: Subscribing to frame parameter."}));
 }
 
 TEST_F(Connection, InitCarriesBuddyBuildWithoutAGoodVersion) {
@@ -196,6 +199,54 @@ TEST_F(Connection, AChangedSubscriptionListTakesEffectAtTheNextConnection) {
     pass();
     EXPECT_EQ(frame().takeCalls(),
               (Lines{"subscribe(lid=12, number=1, did=62000000, callback=1, flag=3, 0, 0)"}));
+}
+
+TEST_F(Connection, ASubscriptionListThatCannotBeReadLeavesTheOthers) {
+    loadInstallation();
+    writeManifest("<moduleConfiguration><cplSubscriptionList>absent.xml</cplSubscriptionList>"
+                  "</moduleConfiguration><moduleConfiguration>"
+                  "<cplSubscriptionList>Subscriptions.xml</cplSubscriptionList>"
+                  "</moduleConfiguration>");
+    HandClock ownClock;
+    QuillaneQFD own(ownClock);
+    own.initialize();
+    log.take();
+    frame().takeCalls();
+    own.subscribeToFrame();
+    EXPECT_EQ(frame().takeCalls(), (Lines{subscribed}));
+    auto const lines = log.take();
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], "info: Subscribing to frame parameter.");
+    EXPECT_EQ(lines[1].rfind("error: A fatal error occurred while parsing the xml file. ", 0), 0U)
+        << lines[1];
+    ownClock.release();
+}
+
+TEST_F(Connection, AnExceptionEndsTheObserverAndTheDriverGoesOnWithoutIt) {
+    class Thrower : public RecordingSinks {
+      public:
+        void setState(std::string const& name, std::string const& value) override {
+            RecordingSinks::setState(name, value);
+            if (name == "INIT") {
+                reached.set_value();
+                throw std::runtime_error("no such state");
+            }
+        }
+        std::promise<void> reached;
+    } thrower;
+    loadInstallation();
+    configuration().setStateSink(&thrower);
+    pass();
+    frame().takeCalls();
+    clock.release();
+    thrower.reached.get_future().wait();
+    driver->handleFID("PANEL.CONNECTION.LOST", {});
+    EXPECT_EQ(thrower.take().back(), "SID LOST = 1");
+    frame().setConnectionState(eNotConnected);
+    auto const calls = frame().takeCalls();
+    EXPECT_EQ(calls, (Lines{subscribed}));
+    driver.reset();
+    EXPECT_TRUE(log.has("error: An exception ended the thread 'Task': no such state"));
 }
 
 TEST(FrameConnectionObserver, WhilePausedNeitherLooksNorActs) {

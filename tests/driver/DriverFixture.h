@@ -47,8 +47,7 @@ class DriverFixture : public testing::Test {
     }
 
     IQFDConfiguration& configuration() {
-        return *dynamic_cast<IQFDConfiguration*>(
-            driver->queryInterface(configurationInterfaceId));
+        return *dynamic_cast<IQFDConfiguration*>(driver->queryInterface(configurationInterfaceId));
     }
     IFunctionID& functions() {
         return *dynamic_cast<IFunctionID*>(driver->queryInterface(functionInterfaceId));

@@ -1,5 +1,4 @@
 #include "driver/FIDMapHandler.h"
-
 #include "tests/support/RecordingSinks.h"
 
 #include <gtest/gtest.h>

@@ -1,14 +1,17 @@
 // From a FID or an issue to what comes of it, through dictionaries from files.
 #include "DriverFixture.h"
-
 #include "cpl/Issue.h"
+#include "foundation/Exceptions.h"
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 using namespace FrameDriver::Testing;
-using FrameDriver::CPL::ParameterIssue;
+using FrameDriver::ErrorManagement::Exception::IllegalArgumentException;
 
 namespace {
 
@@ -49,7 +52,7 @@ TEST_F(FIDRoad, TheSourceOfAnIncrementIsToldByItsWidget) {
     struct {
         std::uint16_t widget;
         char const* source;
-    } const rows[] = {{110, "KNOB"}, {307, "TRIM"},     {310, "KNOB"}, {510, "KNOB"},
+    } const rows[] = {{110, "KNOB"},     {307, "TRIM"}, {310, "KNOB"}, {510, "KNOB"},
                       {611, "JOYSTICK"}, {710, "KNOB"}, {910, "KNOB"}};
     for (auto const& row : rows) {
         SCOPED_TRACE(row.widget);
@@ -62,15 +65,13 @@ TEST_F(FIDRoad, TheSourceOfAnIncrementIsToldByItsWidget) {
 
 TEST_F(FIDRoad, OtherWidgetsAddNoSource) {
     loadWith("");
-    for (int const widget : {0, 109, 111, 308, 309, 611 + 65536, 65535}) {
-        if (widget > 65535)
-            continue;
+    for (int const widget : {0, 109, 111, 308, 309, 65535}) {
         SCOPED_TRACE(widget);
         FIDParameterList list;
         list.setSourceWidget({static_cast<std::uint16_t>(widget), 0});
         driver->handleFID("X.INC", list);
-        EXPECT_EQ(log.take(), (Lines{"debug: No conversion found for: FID: id=X.INC, data=[" +
-                                     closing}));
+        EXPECT_EQ(log.take(),
+                  (Lines{"debug: No conversion found for: FID: id=X.INC, data=[" + closing}));
     }
 }
 
@@ -80,8 +81,8 @@ TEST_F(FIDRoad, OnlyTheEndOfTheNameCountsForTheSource) {
     list.setSourceWidget({307, 0});
     for (auto const* name : {"X.INC.Y", "X.inc", "XINC", "X.INCR"}) {
         driver->handleFID(name, list);
-        EXPECT_EQ(log.take(), (Lines{std::string("debug: No conversion found for: FID: id=") + name +
-                                     ", data=[" + closing}));
+        EXPECT_EQ(log.take(), (Lines{std::string("debug: No conversion found for: FID: id=") +
+                                     name + ", data=[" + closing}));
     }
 }
 
@@ -258,15 +259,73 @@ TEST_F(FIDRoad, AnIssueThatCouldNotBeMadeIsPassedOver) {
     EXPECT_EQ(log.take(), Lines{});
 }
 
+TEST_F(FIDRoad, AnIssuesMessageGoesOutOnTheThreadThatBroughtTheIssue) {
+    loadWith("", conversion("<from xsi:type=\"cplParameterIssue\"><paramId>10</paramId><deviceId>"
+                            "<EncodingType>62</EncodingType><SuiteIDType>0</SuiteIDType>"
+                            "</deviceId><data datatype=\"UInt16\">{@v}</data>"
+                            "<flag>absolute</flag></from>",
+                            "<to xsi:type=\"cplSetMessage\"><paramId>11</paramId><deviceId>"
+                            "<EncodingType>62</EncodingType><SuiteIDType>0</SuiteIDType>"
+                            "</deviceId><data datatype=\"Bool\">true</data></to>"));
+    std::thread::id sender;
+    frame().onCall([&](std::string const&) { sender = std::this_thread::get_id(); });
+    auto record = ParameterRecord::of<std::uint16_t>(10, 0x62000000, 2, 77);
+    std::thread callbacks([&] { frame().parameterUpdate(record); });
+    auto const bringer = callbacks.get_id();
+    callbacks.join();
+    frame().onCall(nullptr);
+    EXPECT_EQ(frame().takeCalls().size(), 1U);
+    EXPECT_EQ(sender, bringer);
+}
+
 TEST_F(FIDRoad, AnExceptionReachesTheCaller) {
-    loadWith(conversion(fromKnown, "<to xsi:type=\"cplSetMessage\"><paramId>10</paramId><deviceId>"
-                                   "<EncodingType>62</EncodingType><SuiteIDType>0</SuiteIDType>"
-                                   "</deviceId><data datatype=\"UInt8\">7</data></to>"));
-    // Kept: the client's lock stays taken then, so this driver can't even be closed any more.
-    auto* const broken = driver.release();
-    EXPECT_THROW(broken->handleFID("KNOWN", {}), std::runtime_error);
-    static QuillaneQFD* keptToTheEnd = nullptr;
-    keptToTheEnd = broken;
-    EXPECT_NE(keptToTheEnd, nullptr);
-    clock.release();
+    class Thrower : public RecordingSinks {
+        void setText(std::string const&, std::string const&) override {
+            throw std::runtime_error("no display");
+        }
+    } thrower;
+    loadWith(conversion(fromKnown, "<to xsi:type=\"tid\"><id>T</id></to>"));
+    configuration().setStateSink(&thrower);
+    EXPECT_THROW(functions().handleFID("KNOWN", {}), std::runtime_error);
+    configuration().setStateSink(&sinks);
+    driver->handleFID("KNOWN", {});  // nothing stays locked
+    EXPECT_EQ(sinks.take().size(), 1U);
+}
+
+// Kept: the client's lock stays taken behind a value of a kind that can't be sent, so such a
+// driver can't even be closed any more.
+TEST_F(FIDRoad, AValueThatCannotBeSentReachesTheCallerToo) {
+    static std::vector<std::unique_ptr<QuillaneQFD>>* const broken =
+        new std::vector<std::unique_ptr<QuillaneQFD>>;
+    for (auto const* line : {"Set Message",  // needs no colon to be one
+                             "Set Message: 10, did=[EncodingType=62, SuiteIDType=0\222, "
+                             "data=[type=UInt8, value=7\222"}) {
+        SCOPED_TRACE(line);
+        broken->push_back(std::make_unique<QuillaneQFD>());
+        try {
+            broken->back()->dispatchResult(line);
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (IllegalArgumentException const& error) {
+            EXPECT_EQ(error.getMessage(),
+                      "The set message provided carries data of an unknown type.");
+        }
+    }
+}
+
+TEST_F(FIDRoad, WithoutAFunctionObjectStatesAndTextsAreDropped) {
+    class Headless : public QuillaneQFD {
+      public:
+        Headless() {
+            delete functions;
+            functions = nullptr;
+            configuration->setFunctions(nullptr);
+        }
+    } headless;
+    EXPECT_EQ(headless.queryInterface(1100), nullptr);
+    auto& settings = dynamic_cast<IQFDConfiguration&>(*headless.queryInterface(1201));
+    settings.setStateSink(&sinks);
+    settings.setFunctionSink(&sinks);
+    headless.dispatchResult("TID: id=T, parameter=1");
+    headless.dispatchResult("SID: id=S, value=1");
+    EXPECT_EQ(sinks.take(), Lines{});
 }

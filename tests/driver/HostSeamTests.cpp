@@ -1,6 +1,5 @@
 // What a host can do with the module and the two objects that it gets from it.
 #include "DriverFixture.h"
-
 #include "driver/QuillaneQFDModule.h"
 
 using namespace FrameDriver::Testing;
@@ -84,6 +83,14 @@ TEST_F(HostSeam, EachPanelHasItsPort) {
     EXPECT_NE(std::find(calls.begin(), calls.end(), "open(\"127.0.0.9\", 6206)"), calls.end());
 }
 
+TEST_F(HostSeam, AnyPanelNumberGivesSomePort) {
+    writeInstallation();
+    configuration().configure(-2147483647, "", "", "", "", "", "");
+    configuration().load();
+    auto const calls = frame().calls();
+    EXPECT_NE(std::find(calls.begin(), calls.end(), "open(\"\", 6202)"), calls.end());
+}
+
 TEST(QuillaneQFDModule, WithoutADriverOffersNothing) {
     QuillaneQFDModule module;
     EXPECT_EQ(module.queryInterface(1100), nullptr);
@@ -99,6 +106,47 @@ TEST(QuillaneQFDModule, TheDriverOutlivesIt) {
     module->onUnload();
     module.reset();
     EXPECT_EQ(functions->queryInterface(1100), functions);
+}
+
+namespace {
+
+struct Framework : IQFDFramework {
+    IInterface* queryInterface(int) override { return nullptr; }
+    void onConfigured() override { sinks.setText("configured", ""); }
+    void initialize() override { sinks.setText("initialize", ""); }
+    void deinitialize() override { sinks.setText("deinitialize", ""); }
+    void onNotify(void*) override { sinks.setText("notify", ""); }
+    RecordingSinks sinks;
+};
+
+}  // namespace
+
+TEST(QFDConfigHandler, HandsTheHostsCallsOnToItsFramework) {
+    QFDConfigHandler handler;
+    Framework framework;
+    FIDMapHandler functions;
+    handler.setFramework(&framework);
+    handler.setFunctions(&functions);
+    handler.setStateSink(&framework.sinks);
+    handler.configure(1, "", "", "", "", "", "");
+    EXPECT_EQ(framework.sinks.take(), (Lines{"TID configured = "}));
+    handler.load();
+    EXPECT_EQ(framework.sinks.take(), (Lines{"TID initialize = ", "SID LOADED = "}));
+    handler.idle();
+    handler.setHostToken(&handler);
+    EXPECT_EQ(framework.sinks.take(), Lines{});
+    handler.unload();
+    EXPECT_EQ(framework.sinks.take(), (Lines{"TID deinitialize = "}));
+}
+
+TEST(QFDConfigHandler, WithoutAFunctionObjectLoadsAllTheSame) {
+    QFDConfigHandler handler;
+    Framework framework;
+    handler.setFramework(&framework);
+    handler.setStateSink(&framework.sinks);
+    handler.setFunctionSink(nullptr);
+    handler.load();
+    EXPECT_EQ(framework.sinks.take(), (Lines{"TID initialize = "}));
 }
 
 TEST(QFDConfigHandler, WithoutAFrameworkLoadsAndUnloadsNothing) {

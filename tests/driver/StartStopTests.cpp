@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <list>
+
 using namespace FrameDriver::Testing;
 
 namespace {
@@ -25,9 +28,6 @@ class StartStop : public DriverFixture {
             all.insert(all.end(), part.begin(), part.end());
         return all;
     }
-    std::string noFile(std::string const& path) const {
-        return "error: An error occurred while parsing the xml file. " + path;
-    }
 };
 
 Lines const running{"info: Loading command conversions.",
@@ -44,8 +44,8 @@ TEST_F(StartStop, AWholeInstallationComesUpInOrder) {
               joined({{"info: From version file: buildNum: '745', printedVersion: '12.3z7'"},
                       banner("12.3"),
                       running}));
-    EXPECT_EQ(frame().takeCalls(), (Lines{"setName(\"Panel 1\")", "open(\"\", 6200)",
-                                          "registerCallback(0)"}));
+    EXPECT_EQ(frame().takeCalls(),
+              (Lines{"setName(\"Panel 1\")", "open(\"\", 6200)", "registerCallback(0)"}));
 }
 
 TEST_F(StartStop, WithoutTheAckSettingTheLibrarysTimeOutStands) {
@@ -53,6 +53,8 @@ TEST_F(StartStop, WithoutTheAckSettingTheLibrarysTimeOutStands) {
     load();
     for (auto const& call : frame().calls())
         EXPECT_EQ(call.find("setSendTimeOut"), std::string::npos) << call;
+    for (auto const& line : log.lines())
+        EXPECT_EQ(line.find("Time"), std::string::npos) << line;
 }
 
 TEST_F(StartStop, TheAckSettingIsTakenAsMilliseconds) {
@@ -86,8 +88,7 @@ TEST_F(StartStop, WithoutAnyFileTheDriverRunsOnDefaultsAndWritesThem) {
     EXPECT_EQ(lines.back(), "info: Initialization complete.");
     EXPECT_EQ(driver->getFrameAddress(), "127.0.0.1");
     EXPECT_EQ(driver->getVersionText(), "BUDDY BUILD");
-    EXPECT_NE(directory.read("Configuration/Settings.xml").find("Velmar Panel"),
-              std::string::npos);
+    EXPECT_NE(directory.read("Configuration/Settings.xml").find("Velmar Panel"), std::string::npos);
     EXPECT_EQ(frame().takeCalls().at(0), "setName(\"Velmar Panel\")");
 
     FrameDriver::Tools::Settings again;
@@ -120,8 +121,9 @@ TEST_F(StartStop, ADictionaryThatCannotBeLoadedLeavesTheOthers) {
                   "</moduleConfiguration><moduleConfiguration>"
                   "<fidToCPLDictionary>good.xml</fidToCPLDictionary></moduleConfiguration>");
     directory.write("bad.xml", "<dictionary><conversion></dictionary>");
-    writeDictionary("good.xml", "<conversion><from xsi:type=\"fid\"><id>GOOD</id></from>"
-                                "<to xsi:type=\"sid\"><id>S</id><value>1</value></to></conversion>");
+    writeDictionary("good.xml",
+                    "<conversion><from xsi:type=\"fid\"><id>GOOD</id></from>"
+                    "<to xsi:type=\"sid\"><id>S</id><value>1</value></to></conversion>");
     load();
     sinks.take();
     driver->handleFID("GOOD", {});
@@ -159,6 +161,76 @@ TEST_F(StartStop, FIDsAreRegisteredFromAllListsAndDoublesAreHarmless) {
     EXPECT_EQ(sinks.take(), (Lines{"SID HEARD = AAAA", "SID HEARD = CCCC"}));
 }
 
+TEST_F(StartStop, EachLoaderTellsWhyItFailedAndLeavesItsTargetAlone) {
+    writeInstallation();
+    load();
+    directory.write("bad.xml", "<list>\n<fid>");
+    FrameDriver::Tools::Settings settings;
+    settings.set("a", "b");
+    FrameDriver::Tools::Manifest manifest;
+    manifest.addMonkeyTest("m");
+    FrameDriver::Conversion::TemplateConversionCollection conversions;
+    QuillaneQFD::Subscriptions subscriptions;
+    std::list<std::string> fids{"A"};
+    std::function<bool()> const loaders[] = {
+        [&] { return driver->loadSettings("bad.xml", settings); },
+        [&] { return driver->loadManifest("bad.xml", manifest); },
+        [&] { return driver->loadConversions("bad.xml", conversions); },
+        [&] { return driver->loadSubscriptions("bad.xml", subscriptions); },
+        [&] { return driver->loadFIDRegistration("bad.xml", fids); },
+    };
+    log.take();
+    for (auto const& loader : loaders) {
+        EXPECT_FALSE(loader());
+        EXPECT_EQ(log.take(), (Lines{"error: A fatal error occurred while parsing the xml file. "
+                                     "The problem was found in " +
+                                     directory.path() +
+                                     "/bad.xml on line number 2 in column 6. "
+                                     "input ended before all started tags were ended; last tag "
+                                     "started is 'fid'"}));
+    }
+    EXPECT_EQ(settings.get("a"), "b");
+    EXPECT_EQ(manifest.getMonkeyTests(), Lines{"m"});
+    EXPECT_TRUE(conversions.getConversions().empty());
+    EXPECT_TRUE(subscriptions.empty());
+    EXPECT_EQ(fids, std::list<std::string>{"A"});
+}
+
+TEST_F(StartStop, NumbersThatCannotBeReadAreUnforeseenAndLoseTheWholeFile) {
+    writeInstallation();
+    load();
+    writeFIDs("FIDs.xml", "<fid>GOOD</fid><fid>A(x-y)</fid>");
+    writeSubscriptions("Subscriptions.xml",
+                       "<subscription xsi:type=\"parameterSubscription\"><paramId>1</paramId>"
+                       "<deviceId>1</deviceId></subscription>"
+                       "<subscription xsi:type=\"parameterSubscription\"><paramId>1</paramId>"
+                       "<deviceId>zz</deviceId></subscription>");
+    QuillaneQFD::Subscriptions subscriptions;
+    std::list<std::string> fids;
+    log.take();
+    EXPECT_FALSE(driver->loadFIDRegistration("FIDs.xml", fids));
+    EXPECT_FALSE(driver->loadSubscriptions("Subscriptions.xml", subscriptions));
+    EXPECT_EQ(
+        log.take(),
+        (Lines{"error: An unforeseen problem has occurred while parsing the xml file FIDs.xml",
+               "error: An unforeseen problem has occurred while parsing the xml file "
+               "Subscriptions.xml"}));
+    EXPECT_TRUE(fids.empty());
+    EXPECT_TRUE(subscriptions.empty());
+}
+
+TEST_F(StartStop, SavingWhereItCannotBeDoneAnswersFalseAndKeepsTheValues) {
+    writeInstallation();
+    load();
+    FrameDriver::Tools::Settings settings;
+    settings.set("a", "b");
+    log.take();
+    EXPECT_FALSE(driver->saveSettings(settings, directory.path() + "/absent/Settings.xml"));
+    EXPECT_EQ(log.take(), (Lines{"error: An unhandled exception occurred while saving settings."}));
+    EXPECT_EQ(settings.get("a"), "b");
+    EXPECT_TRUE(driver->saveSettings(settings, directory.path() + "/Settings.xml"));
+}
+
 TEST_F(StartStop, StoppingAnObserverThatSleepsOnWarnsAndGoesOn) {
     writeInstallation();
     load();
@@ -166,10 +238,9 @@ TEST_F(StartStop, StoppingAnObserverThatSleepsOnWarnsAndGoesOn) {
     log.take();
     frame().takeCalls();
     configuration().unload();
-    EXPECT_EQ(log.take(),
-              (Lines{"info: Driver deinitialize started.",
-                     "warning: The driver is unable to close the connection observer.",
-                     "info: Driver deinitialize complete."}));
+    EXPECT_EQ(log.take(), (Lines{"info: Driver deinitialize started.",
+                                 "warning: The driver is unable to close the connection observer.",
+                                 "info: Driver deinitialize complete."}));
     EXPECT_EQ(frame().takeCalls(), (Lines{"unregisterCallback(1)", "close()"}));
 }
 
@@ -185,8 +256,8 @@ TEST_F(StartStop, StoppingAnObserverThatEndsInTimeSaysNothing) {
     auto lines = log.take();
     std::erase(lines, "warning: The driver is unable to close the connection observer.");
     std::erase_if(lines, [](auto const& line) { return line.find("frame") != std::string::npos; });
-    EXPECT_EQ(lines, (Lines{"info: Driver deinitialize started.",
-                            "info: Driver deinitialize complete."}));
+    EXPECT_EQ(lines,
+              (Lines{"info: Driver deinitialize started.", "info: Driver deinitialize complete."}));
 }
 
 TEST_F(StartStop, ADriverThatGoesAwayClosesItsClient) {
@@ -204,6 +275,6 @@ TEST_F(StartStop, ADriverThatGoesAwayClosesItsClient) {
     driver.reset();
     std::lock_guard const guard(lock);
     std::erase_if(calls, [](auto const& call) { return call.starts_with("connect("); });
-    EXPECT_EQ(calls, (Lines{"cancelSubscriptions(flags=3, service=3, 0)",
-                            "unregisterCallback(1)", "close()"}));
+    EXPECT_EQ(calls, (Lines{"cancelSubscriptions(flags=3, service=3, 0)", "unregisterCallback(1)",
+                            "close()"}));
 }

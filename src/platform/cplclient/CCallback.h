@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/Visibility.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "platform/Visibility.h"
 
 /// What the client library hands to `parameterUpdate` and `parameterReply`, in the machine's
 /// own byte order. The value's bytes follow the structure directly, at offset 20, and the

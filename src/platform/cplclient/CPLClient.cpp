@@ -3,20 +3,33 @@
 #include "platform/cplclient/CPLClient.h"
 
 #include "platform/cplclient/CallbackThread.h"
+#include "platform/cplclient/ClientTimings.h"
 #include "platform/cplclient/Connection.h"
 #include "platform/cplclient/wire/ByteWriter.h"
 #include "platform/cplclient/wire/Messages.h"
-
-#include <arpa/inet.h>
+#include "platform/logging/LogManager.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <atomic>
 #include <memory>
 #include <mutex>
 
 namespace {
 
-enum WireTag : std::uint16_t { tagShort, tagInt, tagUShort, tagUInt, tagBool, tagFloat, tagText = 7 };
+enum WireTag : std::uint16_t {
+    tagShort,
+    tagInt,
+    tagUShort,
+    tagUInt,
+    tagBool,
+    tagFloat,
+    tagText = 7
+};
+
+auto log() {
+    return Brindlemoor::Utilities::Logging::LogManager::getInstance()->getCategory("CPLClient");
+}
 
 bool readableAddress(std::string const& text) {
     in_addr parsed{};
@@ -40,8 +53,8 @@ std::string fieldsOf(CameraSourceListItem const& item) {
     out.terminated(item.headType);
     number(item.aspectRatio);
     number(item.videoMode);
-    for (bool const flag : {item.connected, item.colorBarsEnabled, item.autoIrisEnabled,
-                            item.autoBlackEnabled})
+    for (bool const flag :
+         {item.connected, item.colorBarsEnabled, item.autoIrisEnabled, item.autoBlackEnabled})
         out.u8(flag);
     number(item.filter);
     number(item.sceneFile);
@@ -53,25 +66,32 @@ std::string fieldsOf(CameraSourceListItem const& item) {
 
 }  // namespace
 
+ClientTimings& timingsOfNewClients() {
+    static ClientTimings timings;
+    return timings;
+}
+
 struct CPLClient::Impl {
     explicit Impl(std::string const& clientName) : name(clientName) {}
 
-    // Connects, disconnects, opens and closes one at a time; a send takes it only to get hold
-    // of the connection.
+    // Opens, connects, disconnects and closes one at a time.
     std::mutex lifecycle;
-    std::mutex lock;  // guards name, ends, isOpen and connection
+    ConnectionEnds ends;  // guarded by lifecycle: the local end
+
+    std::mutex lock;  // held for a look only, guards the three below
     std::string name;
-    ConnectionEnds ends;
-    bool isOpen = false;
+    bool isOpen = false;  // written under both locks
     std::shared_ptr<Connection> connection;
+
     std::atomic<int> sendTimeOut{500};
     std::atomic<ClientConnectionState> state{eNotConnected};
-    ClientTimings timings;
-    std::shared_ptr<CallbackThread> callbacks = std::make_shared<CallbackThread>(timings.queueBytes);
+    ClientTimings const timings = timingsOfNewClients();
+    std::shared_ptr<CallbackThread> callbacks =
+        std::make_shared<CallbackThread>(timings.queueBytes);
 
-    std::shared_ptr<Connection> current() {
+    std::string currentName() {
         std::lock_guard const guard(lock);
-        return connection;
+        return name;
     }
 
     std::shared_ptr<Connection> replaceConnection(std::shared_ptr<Connection> next) {
@@ -92,9 +112,12 @@ struct CPLClient::Impl {
 
     template <typename Message>
     Status request(Message const& message) {
-        auto const held = current();
+        std::unique_lock guard(lock);
+        auto const held = connection;
+        auto const without = isOpen ? eStatusNotConnected : eStatusClosed;
+        guard.unlock();
         if (!held)
-            return eStatusNotConnected;
+            return without;
         return held->request(message, std::chrono::milliseconds(sendTimeOut.load()));
     }
 
@@ -113,7 +136,7 @@ CPLClient::CPLClient(std::string const& name) : impl(std::make_unique<Impl>(name
 
 CPLClient::~CPLClient() {
     close();
-    impl->callbacks->waitUntilEnded();
+    impl->callbacks->end();
 }
 
 void CPLClient::setName(std::string const& name) {
@@ -126,32 +149,33 @@ void CPLClient::setSendTimeOut(int const& milliseconds) { impl->sendTimeOut = mi
 bool CPLClient::open(char const* host, unsigned short const& port) const {
     std::lock_guard const turn(impl->lifecycle);
     std::string const address = host ? host : "";
-    {
-        std::lock_guard const guard(impl->lock);
-        if (impl->isOpen || !readableAddress(address))
-            return false;
-        impl->ends.localHost = address;
-        impl->ends.localPort = port;
-        impl->isOpen = true;
+    if (impl->isOpen)
+        return false;
+    if (!readableAddress(address)) {
+        log().getErrorStream() << "the local address '" << address << "' can't be read";
+        return false;
     }
     impl->callbacks->start();
+    std::lock_guard const guard(impl->lock);
+    impl->ends.localHost = address;
+    impl->ends.localPort = port;
+    impl->isOpen = true;
     return true;
 }
 
 bool CPLClient::connect(char const* host, unsigned short const& port) const {
     std::lock_guard const turn(impl->lifecycle);
-    std::unique_lock guard(impl->lock);
     if (!impl->isOpen || impl->state != eNotConnected)
         return false;
     auto ends = impl->ends;
     ends.host = host ? host : "";
     ends.port = port;
-    auto const name = impl->name;
-    guard.unlock();
     auto const fresh = std::make_shared<Connection>(impl->timings, impl->callbacks, impl->state);
-    if (!fresh->open(ends, name))
+    if (!fresh->open(ends, impl->currentName()))
         return false;
+    // In this order: who sees the state "connected" can send.
     impl->replaceConnection(fresh);
+    fresh->start();
     return true;
 }
 
@@ -256,13 +280,11 @@ Status CPLClient::event(EIDType const& eid, unsigned int const& did, void* data,
 Status CPLClient::setList(eListItemAction const& action, eListIDType const& lid,
                           unsigned int const& did, unsigned short const& number,
                           DeviceEventListItem const& item, unsigned short const& /*word*/) {
-    return impl->request(
-        cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
+    return impl->request(cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
 }
 
 Status CPLClient::setList(eListItemAction const& action, eListIDType const& lid,
                           unsigned int const& did, unsigned short const& number,
                           CameraSourceListItem const& item, unsigned short const& /*word*/) {
-    return impl->request(
-        cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
+    return impl->request(cplwire::SetList{action, lid, did, number, item.itemId, fieldsOf(item)});
 }

@@ -1,23 +1,26 @@
 #pragma once
 
+#include "platform/Visibility.h"
+#include "platform/cplclient/CCallback.h"
+#include "platform/cplclient/CPLTypes.h"
+
+#include <boost/shared_ptr.hpp>
+
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include <boost/shared_ptr.hpp>
-
-#include "platform/Visibility.h"
-#include "platform/cplclient/CCallback.h"
-#include "platform/cplclient/CPLTypes.h"
-
 /// The closed client library of the frame: one link to one frame.
 ///
 /// Thread: safe for concurrent use. Every send blocks its caller until the frame has
-/// acknowledged it or the send time-out has run out. Callbacks come on a thread of the
-/// library's own, never on the thread of a send, and may send themselves.
+/// acknowledged it or the send time-out has run out; if the frame doesn't even take the bytes,
+/// until that has cost it the connection, which takes two seconds. Callbacks come on a thread of
+/// the library's own, never on the thread of a send, and may send themselves.
 /// Ownership: values, event data and items are read during the call and not kept.
-/// Errors: by result; nothing here throws but std::bad_alloc.
+/// Errors: by result, and one line in the log's category "CPLClient" for each connection that
+/// fails or ends unasked. Nothing here throws but std::bad_alloc, and std::system_error where no
+/// thread is to be had.
 /// Bounds: see docs/formats/cpl-wire.md.
 class QFD_PUBLIC CPLClient {
   public:
@@ -27,17 +30,18 @@ class QFD_PUBLIC CPLClient {
     CPLClient(CPLClient const&) = delete;
     CPLClient& operator=(CPLClient const&) = delete;
 
-    /// The name under which the client presents itself at the next `connect`.
+    /// The name under which the client presents itself at the next `connect`; bytes, and no more
+    /// than the greeting has room for, 499.
     void setName(std::string const& name);
     /// How long a send waits for its acknowledgement, in milliseconds. 500 unless set; 0 and
     /// less: a send doesn't wait, and succeeds once it is written.
     void setSendTimeOut(int const& milliseconds);
 
     /// Prepares the client: connections will leave from this local address (empty: any) and
-    /// port (0: any). False if the address can't be read, or the client is open already.
+    /// port (0: any). False if the address isn't four numbers, or the client is open already.
     bool open(char const* host, unsigned short const& port) const;
     /// One attempt to connect, blocking for at most about a second. True on success. False
-    /// without an attempt if the client isn't open or is connected.
+    /// without an attempt if the client isn't open, or has a connection or one that was lost.
     bool connect(char const* host, unsigned short const& port) const;
     /// Drops the connection in good order, leaving state 1. False if there was none.
     bool disconnect() const;
@@ -48,8 +52,9 @@ class QFD_PUBLIC CPLClient {
     /// 1 no connection, 2 connected, 3 connection lost (until `disconnect`).
     ClientConnectionState getConnectionState() const;
 
-    /// Registers a callback and returns its identifier, which subscriptions name. The second
-    /// argument is reserved.
+    /// Registers a callback and returns its identifier, which subscriptions name: neither 0 nor
+    /// 0xFFFF, unless it is null or one too many (there may be a thousand), when it is 0xFFFF. The
+    /// second argument is reserved.
     unsigned short registerCallback(boost::shared_ptr<CCallback> callback, long const& word) const;
     /// Withdraws it; unknown identifiers are ignored. No call into that callback begins after this
     /// returned; as in `close`, one that is running goes on, and the library keeps the callback

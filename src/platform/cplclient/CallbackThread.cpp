@@ -6,21 +6,27 @@
 #include "platform/logging/LogManager.h"
 
 #include <cstring>
+#include <exception>
 #include <new>
+#include <utility>
 
 using Brindlemoor::Utilities::Logging::LogManager;
 
 namespace {
 
-constexpr std::size_t mostSpares = 64;  // a burst's worth of buffers; more are given back
+// A burst's worth of buffers of the common size is kept; more and larger ones are given back.
+constexpr std::size_t mostSpares = 64;
+constexpr std::size_t largestSpare = 4096;
+
+constexpr std::size_t mostCallbacks = 1000;  // the driver has one
 
 }  // namespace
 
 void CallbackThread::start() {
     std::lock_guard const guard(lock);
+    std::thread([self = shared_from_this(), ownTurn = turn + 1] { self->run(ownTurn); }).detach();
     ++turn;
     ++live;
-    std::thread([self = shared_from_this(), ownTurn = turn] { self->run(ownTurn); }).detach();
 }
 
 void CallbackThread::stop() {
@@ -35,15 +41,21 @@ void CallbackThread::stop() {
     arrived.notify_all();
 }
 
-void CallbackThread::waitUntilEnded() {
+void CallbackThread::end() {
+    stop();
+    Callbacks last;  // dies outside the lock
     std::unique_lock guard(lock);
     if (caller != std::this_thread::get_id())
         ended.wait(guard, [this] { return live == 0; });
+    last.swap(callbacks);
 }
 
 std::uint16_t CallbackThread::add(boost::shared_ptr<CCallback> callback) {
     std::lock_guard const guard(lock);
-    while (nextIdentifier == 0 || nextIdentifier == 0xFFFF || callbacks.contains(nextIdentifier))
+    if (!callback || callbacks.size() >= mostCallbacks)
+        return noCallback;
+    while (nextIdentifier == 0 || nextIdentifier == noCallback ||
+           callbacks.contains(nextIdentifier))
         ++nextIdentifier;
     callbacks.emplace(nextIdentifier, std::move(callback));
     return nextIdentifier++;
@@ -66,6 +78,11 @@ CallbackThread::News CallbackThread::takeSpare() {
     auto spare = std::move(spares.back());
     spares.pop_back();
     return spare;
+}
+
+void CallbackThread::keepSpare(News&& news) {
+    if (spares.size() < mostSpares && news.bytes.capacity() <= largestSpare)
+        spares.push_back(std::move(news));
 }
 
 bool CallbackThread::push(cplwire::ParameterUpdate const& update, bool isReply) {
@@ -98,9 +115,9 @@ bool CallbackThread::enqueue(News&& news) {
         std::lock_guard const guard(lock);
         if (turn % 2 == 0)
             return true;
-        if (queuedBytes + news.bytes.size() > limit)
+        if (queuedBytes + news.cost() > limit)
             return false;
-        queuedBytes += news.bytes.size();
+        queuedBytes += news.cost();
         queue.push_back(std::move(news));
     }
     arrived.notify_one();
@@ -119,18 +136,22 @@ void CallbackThread::run(unsigned ownTurn) {
     std::unique_lock guard(lock);
     ended.wait(guard, [&] { return live == 1 || turn != ownTurn; });
     while (waitForNews(guard, ownTurn)) {
-        auto news = std::move(queue.front());
-        queue.pop_front();
-        queuedBytes -= news.bytes.size();
+        auto news = takeNext();
         if (news.kind == News::Kind::List)
-            deliverToAll(guard, news);
-        else
-            call(guard, news, news.callback);
-        if (spares.size() < mostSpares)
-            spares.push_back(std::move(news));
+            deliverToAll(guard, news, ownTurn);
+        else if (auto const target = callbacks.find(news.callback); target != callbacks.end())
+            call(guard, news, target);
+        keepSpare(std::move(news));
     }
     --live;
     ended.notify_all();
+}
+
+CallbackThread::News CallbackThread::takeNext() {
+    auto news = std::move(queue.front());
+    queue.pop_front();
+    queuedBytes -= news.cost();
+    return news;
 }
 
 bool CallbackThread::waitForNews(std::unique_lock<std::mutex>& guard, unsigned ownTurn) {
@@ -138,25 +159,23 @@ bool CallbackThread::waitForNews(std::unique_lock<std::mutex>& guard, unsigned o
     return turn == ownTurn;
 }
 
-// A list names no registration: everybody hears of it.
-void CallbackThread::deliverToAll(std::unique_lock<std::mutex>& guard, News& news) {
-    std::vector<std::uint16_t> identifiers;
-    for (auto const& [identifier, callback] : callbacks)
-        identifiers.push_back(identifier);
-    for (auto const identifier : identifiers)
-        call(guard, news, identifier);
+// A list names no registration: everybody hears of it. During a call the map may change.
+void CallbackThread::deliverToAll(std::unique_lock<std::mutex>& guard, News& news,
+                                  unsigned ownTurn) {
+    for (auto next = callbacks.begin(); next != callbacks.end() && turn == ownTurn;) {
+        auto const identifier = next->first;
+        call(guard, news, next);
+        next = callbacks.upper_bound(identifier);
+    }
 }
 
 void CallbackThread::call(std::unique_lock<std::mutex>& guard, News& news,
-                          std::uint16_t identifier) {
-    auto const found = callbacks.find(identifier);
-    if (found == callbacks.end())
-        return;
-    auto target = found->second;
+                          Callbacks::iterator registered) {
+    auto target = registered->second;
     caller = std::this_thread::get_id();
     guard.unlock();
     try {
-        deliver(news, target);
+        deliver(news, *target);
     } catch (std::exception const& error) {
         LogManager::getInstance()->getCategory("CPLClient").getErrorStream()
             << "an exception left a callback: " << error.what();
@@ -169,20 +188,20 @@ void CallbackThread::call(std::unique_lock<std::mutex>& guard, News& news,
     caller = {};
 }
 
-void CallbackThread::deliver(News& news, boost::shared_ptr<CCallback> const& target) {
+void CallbackThread::deliver(News& news, CCallback& target) {
     if (news.kind == News::Kind::List) {
         CplListMessage message{};
         message.serviceId = eListService;
         message.itemCount = news.itemCount;
         message.payload = news.bytes.data();
         message.payloadLength = static_cast<std::uint32_t>(news.bytes.size());
-        target->listUpdate(&message, nullptr);
+        target.listUpdate(&message, nullptr);
         return;
     }
     auto* const message = std::launder(reinterpret_cast<CplParameterMessage*>(news.bytes.data()));
     std::uint32_t const identifier = news.callback;
     if (news.kind == News::Kind::Reply)
-        target->parameterReply(message, nullptr, &identifier, nullptr);
+        target.parameterReply(message, nullptr, &identifier, nullptr);
     else
-        target->parameterUpdate(message, nullptr, &identifier, nullptr);
+        target.parameterUpdate(message, nullptr, &identifier, nullptr);
 }

@@ -26,6 +26,8 @@ struct ParameterUpdate;
 /// Thread: any. The object must be held by a shared pointer: the thread keeps it alive.
 class CallbackThread : public std::enable_shared_from_this<CallbackThread> {
   public:
+    static constexpr std::uint16_t noCallback = 0xFFFF;
+
     explicit CallbackThread(std::size_t mostBytes) : limit(mostBytes) {}
     CallbackThread(CallbackThread const&) = delete;
     CallbackThread& operator=(CallbackThread const&) = delete;
@@ -35,9 +37,11 @@ class CallbackThread : public std::enable_shared_from_this<CallbackThread> {
     /// No callback begins after this returned; one that is running goes on. What is still queued
     /// is dropped.
     void stop();
-    /// Waits for a callback that runs on after a stop, unless this is the callback's own thread.
-    void waitUntilEnded();
+    /// Stops for good and lets go of all callbacks. Waits for one that still runs, unless this is
+    /// its own thread.
+    void end();
 
+    /// `noCallback` if there are too many.
     std::uint16_t add(boost::shared_ptr<CCallback> callback);
     /// A running call into it goes on, and keeps it alive.
     void remove(std::uint16_t identifier);
@@ -55,14 +59,18 @@ class CallbackThread : public std::enable_shared_from_this<CallbackThread> {
         std::uint16_t callback = 0;
         std::uint16_t itemCount = 0;
         std::vector<unsigned char> bytes;
+        std::size_t cost() const { return sizeof *this + bytes.size(); }
     };
+    using Callbacks = std::map<std::uint16_t, boost::shared_ptr<CCallback>>;
 
     void run(unsigned ownTurn);
     bool waitForNews(std::unique_lock<std::mutex>& guard, unsigned ownTurn);
-    void deliver(News& news, boost::shared_ptr<CCallback> const& target);
-    void deliverToAll(std::unique_lock<std::mutex>& guard, News& news);
-    void call(std::unique_lock<std::mutex>& guard, News& news, std::uint16_t identifier);
+    void deliver(News& news, CCallback& target);
+    void deliverToAll(std::unique_lock<std::mutex>& guard, News& news, unsigned ownTurn);
+    void call(std::unique_lock<std::mutex>& guard, News& news, Callbacks::iterator registered);
+    News takeNext();
     News takeSpare();
+    void keepSpare(News&& news);
     bool enqueue(News&& news);
 
     std::size_t const limit;
@@ -73,7 +81,7 @@ class CallbackThread : public std::enable_shared_from_this<CallbackThread> {
     std::vector<News> spares;
     std::size_t queuedBytes = 0;
     unsigned turn = 0;  // odd while started; a thread of an earlier turn ends
-    std::map<std::uint16_t, boost::shared_ptr<CCallback>> callbacks;
+    Callbacks callbacks;
     std::uint16_t nextIdentifier = 1;
     // Threads are detached and counted: a stop doesn't wait, and the next start doesn't either.
     unsigned live = 0;

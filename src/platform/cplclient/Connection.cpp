@@ -14,8 +14,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr milliseconds writeLimit{2000};  // a peer that takes nothing for so long is gone
-
 auto log() { return LogManager::getInstance()->getCategory("CPLClient"); }
 
 }  // namespace
@@ -37,27 +35,23 @@ Connection::~Connection() {
 
 bool Connection::open(ConnectionEnds const& ends, std::string const& clientName) {
     auto const deadline = Clock::now() + timings.connectLimit;
-    if (!socket.connect(ends.host, ends.port, ends.localHost, ends.localPort, deadline) ||
-        !shakeHands(clientName, deadline)) {
-        log().getInfoStream() << "no connection to " << ends.host << ":" << ends.port << ": "
-                              << socket.reason();
-        return false;
-    }
-    splitter.setLimit(cplwire::maximumLength);
-    lastHeard = lastPing = Clock::now();
-    state = eConnected;
-    reader = std::thread([this] { readLoop(); });
-    return true;
+    if (socket.connect(ends.host, ends.port, ends.localHost, ends.localPort, deadline) &&
+        shakeHands(clientName, deadline))
+        return true;
+    log().getInfoStream() << "no connection to " << ends.host << ":" << ends.port << ": "
+                          << socket.reason();
+    return false;
 }
 
 bool Connection::shakeHands(std::string const& clientName, Socket::Deadline deadline) {
     std::string hello;
-    encode(hello, cplwire::Hello{cplwire::magic, cplwire::version, clientName});
+    auto const name = std::string_view(clientName).substr(0, cplwire::maximumNameLength);
+    encode(hello, cplwire::Hello{cplwire::magic, cplwire::version, name});
     if (!socket.write(hello, deadline))
         return socket.refuse("the greeting can't be sent");
     auto const answer = readOne(deadline);
     if (!answer)
-        return socket.refuse("no answer to the greeting");
+        return false;
     if (answer->type == cplwire::Type::Refusal) {
         auto const refusal = cplwire::decode<cplwire::Refusal>(answer->body);
         return socket.refuse("refused: " + std::string(refusal ? refusal->reason : ""));
@@ -74,61 +68,102 @@ std::optional<cplwire::RawMessage> Connection::readOne(Socket::Deadline deadline
     for (;;) {
         if (auto message = splitter.next())
             return message;
-        std::array<char, 1024> buffer;
-        if (splitter.broken() || socket.waitReadable(deadline) != Socket::Wait::Ready)
+        auto const failed = [this](char const* why) {
+            socket.refuse(why);
             return std::nullopt;
+        };
+        if (splitter.broken())
+            return failed("the answer to the greeting is of impossible length");
+        if (socket.waitReadable(deadline) != Socket::Wait::Ready)
+            return failed("no answer to the greeting");
+        std::array<char, 1024> buffer;
         auto const count = socket.read(buffer.data(), buffer.size());
         if (count <= 0)
-            return std::nullopt;
+            return failed("closed instead of an answer to the greeting");
         splitter.feed({buffer.data(), static_cast<std::size_t>(count)});
     }
 }
 
-template <typename Message>
-Status Connection::request(Message const& message, milliseconds timeOut) {
-    thread_local std::string bytes;  // keeps its room from send to send
-    bytes.clear();
-    auto const sequence = nextSequence.fetch_add(1, std::memory_order_relaxed);
-    if (!encode(bytes, message, sequence))
-        return eStatusTooLarge;
-    return exchange(bytes, sequence, timeOut);
+void Connection::start() {
+    splitter.setLimit(cplwire::maximumLength);
+    lastHeard = lastPing = Clock::now();
+    state = eConnected;
+    reader = std::thread([this] { readLoop(); });
 }
 
-Status Connection::exchange(std::string const& bytes, std::uint32_t sequence,
-                            milliseconds timeOut) {
-    if (timeOut.count() <= 0)
-        return send(bytes, writeLimit) ? eStatusOk : eStatusNotConnected;
-    Waiting own;
-    {
-        std::lock_guard const guard(waitingLock);
-        if (over)
-            return eStatusNotConnected;
-        waiting.emplace(sequence, &own);
-    }
+template <typename Message>
+Status Connection::request(Message const& message, milliseconds timeOut) {
+    bool const waits = timeOut.count() > 0;
+    Waiting own{nextSequence.fetch_add(1, std::memory_order_relaxed),
+                waits ? eStatusTimeOut : eStatusOk};
     auto const deadline = Clock::now() + timeOut;
-    auto const sent = send(bytes, writeLimit);
-    std::unique_lock guard(waitingLock);
-    if (sent)
-        own.changed.wait_until(guard, deadline, [&] { return own.done; });
-    waiting.erase(sequence);
-    return sent || own.done ? own.status : eStatusNotConnected;
+    if (!enlist(own))
+        return eStatusNotConnected;
+    return outcome(own, send(message, own.sequence, timings.writeLimit), deadline);
 }
 
 // Half a message on the wire can't be taken back: the connection is lost then.
-bool Connection::send(std::string_view bytes, milliseconds limit) {
+template <typename Message>
+Status Connection::send(Message const& message, std::uint32_t sequence, milliseconds limit) {
     std::lock_guard const guard(writeLock);
-    if (socket.write(bytes, Clock::now() + limit))
-        return true;
+    outgoing.clear();
+    if (!encode(outgoing, message, sequence))
+        return eStatusTooLarge;
+    if (socket.write(outgoing, Clock::now() + limit))
+        return eStatusOk;
     socket.wake();
-    return false;
+    return eStatusNotConnected;
+}
+
+bool Connection::enlist(Waiting& request) {
+    std::lock_guard const guard(waitingLock);
+    if (over)
+        return false;
+    request.next = std::exchange(waiting, &request);
+    return true;
+}
+
+void Connection::strike(Waiting& request) {
+    auto** link = &waiting;
+    while (*link != &request)
+        link = &(*link)->next;
+    *link = request.next;
+}
+
+Status Connection::outcome(Waiting& request, Status sent, Clock::time_point deadline) {
+    std::unique_lock guard(waitingLock);
+    if (sent == eStatusOk)
+        request.changed.wait_until(guard, deadline, [&] { return request.done; });
+    strike(request);
+    return sent == eStatusOk ? request.status : sent;
+}
+
+void Connection::acknowledge(std::uint32_t sequence, Status status) {
+    std::lock_guard const guard(waitingLock);
+    auto* request = waiting;
+    while (request && request->sequence != sequence)
+        request = request->next;
+    if (!request)
+        return;  // it came too late
+    request->status = status;
+    request->done = true;
+    request->changed.notify_one();
+}
+
+void Connection::failAllWaiting() {
+    std::lock_guard const guard(waitingLock);
+    over = true;
+    for (auto* request = waiting; request; request = request->next) {
+        request->status = eStatusNotConnected;
+        request->done = true;
+        request->changed.notify_one();
+    }
+    ended.notify_all();
 }
 
 void Connection::close() {
-    std::string bye;
-    encode(bye, cplwire::Bye{});
     closing = true;
-    if (state == eConnected && send(bye, timings.byeLimit)) {
-        // The frame closes first, so that its side and not ours remembers the pair of addresses.
+    if (send(cplwire::Bye{}, 0, timings.byeLimit) == eStatusOk) {
         std::unique_lock guard(waitingLock);
         ended.wait_for(guard, timings.byeLimit, [this] { return over; });
     }
@@ -137,34 +172,38 @@ void Connection::close() {
         reader.join();
 }
 
+// The end of the connection is seen here and nowhere else. Writers that wait for room are woken,
+// so that the lock comes free.
 void Connection::readLoop() {
-    for (;;) {
-        switch (socket.waitReadable(nextLook())) {
-        case Socket::Wait::Ready:
-            if (!readSome())
-                return;
-            break;
-        case Socket::Wait::TimeOut:
-            break;
-        case Socket::Wait::Woken:
-            lose(closing ? "" : "a message could not be sent");
-            return;
-        case Socket::Wait::Failed:
-            lose("the socket failed");
-            return;
-        }
-        if (!heartbeat())
-            return;
-    }
+    auto alive = handleAll();  // what came in one piece with the welcome
+    while (alive)
+        alive = readSome() && heartbeat();
+    socket.wake();
+    std::lock_guard const guard(writeLock);
+    socket.drop();
 }
 
 bool Connection::readSome() {
+    switch (socket.waitReadable(nextLook())) {
+    case Socket::Wait::Ready:
+        break;
+    case Socket::Wait::TimeOut:
+        return true;
+    case Socket::Wait::Woken:
+        return lose("a message could not be sent");
+    case Socket::Wait::Failed:
+        return lose("the socket failed");
+    }
     std::array<char, 65536> buffer;
     auto const count = socket.read(buffer.data(), buffer.size());
     if (count <= 0)
         return lose(count == 0 ? "the frame closed it" : "the socket failed");
     lastHeard = Clock::now();
     splitter.feed({buffer.data(), static_cast<std::size_t>(count)});
+    return handleAll();
+}
+
+bool Connection::handleAll() {
     while (auto const message = splitter.next())
         if (!handle(*message))
             return false;
@@ -190,13 +229,15 @@ bool Connection::handle(cplwire::RawMessage const& message) {
         if (auto const update = cplwire::decode<cplwire::ListUpdate>(message.body))
             return news->push(*update) || lose("too much news is waiting");
         break;
-    case Type::Ping: {
-        std::string pong;
-        encode(pong, cplwire::Pong{}, message.sequence);
-        send(pong, writeLimit);
+    case Type::Ping:
+        if (!message.body.empty())
+            break;
+        // A failure wakes this thread, which then sees to it.
+        send(cplwire::Pong{}, message.sequence, timings.writeLimit);
         return true;
-    }
     case Type::Pong:
+        if (!message.body.empty())
+            break;
         return true;
     case Type::Bye:
         return lose("the frame said goodbye");
@@ -214,46 +255,33 @@ bool Connection::heartbeat() {
     auto const now = Clock::now();
     if (now - lastHeard >= timings.silenceLimit)
         return lose("the frame is silent");
-    if (now - lastHeard >= timings.pingAfter && now - lastPing >= timings.pingAfter) {
-        std::string ping;
-        encode(ping, cplwire::Ping{});
-        lastPing = now;
-        if (!send(ping, timings.pingAfter))
-            return lose("a ping could not be sent");
-    }
-    return true;
+    if (now < nextLook())
+        return true;
+    lastPing = now;
+    return ping();
 }
 
-void Connection::acknowledge(std::uint32_t sequence, Status status) {
-    std::lock_guard const guard(waitingLock);
-    auto const found = waiting.find(sequence);
-    if (found == waiting.end())
-        return;  // it came too late
-    found->second->status = status;
-    found->second->done = true;
-    found->second->changed.notify_one();
+// Whoever holds the lock is writing, which asks the frame as well as a ping would; to wait for
+// them would keep this thread from reading.
+bool Connection::ping() {
+    std::unique_lock const guard(writeLock, std::try_to_lock);
+    if (!guard)
+        return true;
+    outgoing.clear();
+    encode(outgoing, cplwire::Ping{});
+    return socket.write(outgoing, Clock::now() + timings.pingAfter) ||
+           lose("a ping could not be sent");
 }
 
 // Always false, for the reading loop to end by. An end of our own making says nothing.
 bool Connection::lose(std::string const& why) {
     if (!closing) {
-        log().getWarnStream() << "connection lost: " << why;
         auto expected = eConnected;
         state.compare_exchange_strong(expected, eConnectionLost);
+        log().getWarnStream() << "connection lost: " << why;
     }
     failAllWaiting();
     return false;
-}
-
-void Connection::failAllWaiting() {
-    std::lock_guard const guard(waitingLock);
-    over = true;
-    for (auto const& [sequence, each] : waiting) {
-        each->status = eStatusNotConnected;
-        each->done = true;
-        each->changed.notify_one();
-    }
-    ended.notify_all();
 }
 
 template Status Connection::request(cplwire::Set const&, milliseconds);

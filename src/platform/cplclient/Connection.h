@@ -7,14 +7,13 @@
 #include "platform/cplclient/wire/MessageSplitter.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <thread>
 
 /// Where a connection leaves from and goes to.
@@ -38,9 +37,11 @@ class Connection {
     /// Ends without a bye if it hasn't ended yet.
     ~Connection();
 
-    /// Connects, shakes hands and starts reading. False, with one log line, if that fails within
-    /// the limit. On success the state is "connected".
+    /// Connects and shakes hands. False, with one log line, if that fails within the limit.
     bool open(ConnectionEnds const& ends, std::string const& clientName);
+
+    /// Once after a successful open: the state is "connected" from here on, and reading begins.
+    void start();
 
     /// Sends a message of the wire and waits for its acknowledgement; a `timeOut` of 0 or less
     /// doesn't wait.
@@ -51,27 +52,36 @@ class Connection {
     void close();
 
   private:
-    struct Waiting {
-        bool done = false;
-        Status status = eStatusTimeOut;
-        std::condition_variable changed;
-    };
     using Clock = std::chrono::steady_clock;
+
+    // A request on its caller's stack, in the list of those that wait.
+    struct Waiting {
+        std::uint32_t sequence;
+        Status status;  // what it comes to if nothing is heard
+        bool done = false;
+        std::condition_variable changed{};
+        Waiting* next = nullptr;
+    };
 
     bool shakeHands(std::string const& clientName, Socket::Deadline deadline);
     std::optional<cplwire::RawMessage> readOne(Socket::Deadline deadline);
-    Status exchange(std::string const& bytes, std::uint32_t sequence,
-                    std::chrono::milliseconds timeOut);
-    bool send(std::string_view bytes, std::chrono::milliseconds limit);
+
+    template <typename Message>
+    Status send(Message const& message, std::uint32_t sequence, std::chrono::milliseconds limit);
+    bool enlist(Waiting& request);
+    void strike(Waiting& request);
+    Status outcome(Waiting& request, Status sent, Clock::time_point deadline);
+    void acknowledge(std::uint32_t sequence, Status status);
+    void failAllWaiting();
 
     void readLoop();
     bool readSome();
+    bool handleAll();
     bool handle(cplwire::RawMessage const& message);
     bool heartbeat();
+    bool ping();
     Clock::time_point nextLook() const;
-    void acknowledge(std::uint32_t sequence, Status status);
     bool lose(std::string const& why);
-    void failAllWaiting();
 
     ClientTimings const timings;
     std::shared_ptr<CallbackThread> const news;
@@ -79,11 +89,12 @@ class Connection {
     Socket socket;
 
     std::mutex writeLock;  // one message at a time on the socket
+    std::string outgoing;  // guarded by writeLock; keeps its room from message to message
 
     std::mutex waitingLock;
-    std::map<std::uint32_t, Waiting*> waiting;  // guarded by waitingLock
-    bool over = false;                          // guarded by waitingLock
-    std::condition_variable ended;              // over has become true
+    Waiting* waiting = nullptr;     // guarded by waitingLock
+    bool over = false;              // guarded by waitingLock
+    std::condition_variable ended;  // over has become true
     std::atomic<std::uint32_t> nextSequence{1};
 
     // The reading thread's own.

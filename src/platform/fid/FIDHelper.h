@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
+
+#include <string>
 
 /// A FID's name, wrapped for matching against a pattern.
 class QFD_PUBLIC FIDHelper {

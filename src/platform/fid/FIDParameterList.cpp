@@ -12,15 +12,14 @@ void FIDParameterList::add(std::string const& name, std::string const& value) {
 void FIDParameterList::add(FIDParameter const& parameter) { parameters.push_back(parameter); }
 
 bool FIDParameterList::getValue(std::string const& name, std::string& value) const {
-    auto const found = std::find_if(parameters.begin(), parameters.end(), [&](auto const& each) {
-        return each.getName() == name;
-    });
+    auto const found = std::find_if(parameters.begin(), parameters.end(),
+                                    [&](auto const& each) { return each.name == name; });
     if (found == parameters.end())
         return false;
-    value = found->getValue();
+    value = found->value;
     return true;
 }
 
 bool FIDParameterList::removeParameter(std::string const& name) {
-    return std::erase_if(parameters, [&](auto const& each) { return each.getName() == name; }) != 0;
+    return std::erase_if(parameters, [&](auto const& each) { return each.name == name; }) != 0;
 }

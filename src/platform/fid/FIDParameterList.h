@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstddef>
-#include <string>
-#include <vector>
-
 #include "platform/Visibility.h"
 #include "platform/fid/FIDParameter.h"
 #include "platform/fid/UniqueWidgetID.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
 
 /// The parameters of a FID in the order of adding, and the control that raised it. A value
 /// type with deep copies. Names may repeat.
@@ -16,7 +16,9 @@ class QFD_PUBLIC FIDParameterList {
 
     FIDParameterList();
     FIDParameterList(FIDParameterList const&) = default;
+    FIDParameterList(FIDParameterList&&) noexcept = default;
     FIDParameterList& operator=(FIDParameterList const&) = default;
+    FIDParameterList& operator=(FIDParameterList&&) noexcept = default;
     virtual ~FIDParameterList();
 
     void add(std::string const& name, std::string const& value);

@@ -1,6 +1,7 @@
 #include "platform/fid/FIDPatternHelper.h"
 
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -33,6 +34,6 @@ bool FIDPatternHelper::matches(FIDHelper const& fid) {
         else if (expected != component)
             return false;
     }
-    captured = found;
+    captured = std::move(found);
     return true;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
 #include "platform/fid/FIDHelper.h"
 #include "platform/fid/FIDParameterList.h"
+
+#include <string>
 
 /// A pattern of FID names.
 ///

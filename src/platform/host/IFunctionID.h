@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
 #include "platform/fid/FIDParameterList.h"
 #include "platform/sal/IInterface.h"
+
+#include <string>
 
 /// Where the host delivers FIDs; obtained from the module by `functionInterfaceId`.
 ///

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
 #include "platform/fid/FIDParameterList.h"
+
+#include <string>
 
 /// The host's object for FIDs that the driver sends back towards the panel's software.
 ///

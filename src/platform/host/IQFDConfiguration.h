@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "platform/Visibility.h"
 #include "platform/host/IFunctionSink.h"
 #include "platform/host/IStateSink.h"
 #include "platform/sal/IInterface.h"
+
+#include <cstdint>
+#include <string>
 
 /// How the host sets the driver up, starts it and stops it; obtained from the module by
 /// `configurationInterfaceId`. The order of calls is: `configure`, `setStateSink`,

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
+
+#include <string>
 
 /// The host's object for state that goes to the panel. The order of the operations is part of
 /// the interface.

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <string>
+#include <utility>
 
 namespace Brindlemoor::Utilities::Logging {
 
@@ -15,7 +16,7 @@ struct CategoryState {
 
     std::string const name;
     std::atomic<LogLevel> level;
-    std::atomic<bool> hasOwnLevel{false};
+    bool hasOwnLevel = false;  // guarded by the manager's lock
 };
 
 }  // namespace Brindlemoor::Utilities::Logging

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "platform/Visibility.h"
 #include "platform/logging/LogStream.h"
+
+#include <string>
 
 namespace Brindlemoor::Utilities::Logging {
 
@@ -16,8 +15,8 @@ struct CategoryState;
 /// Thread: safe for concurrent use without any external synchronization.
 class QFD_PUBLIC LogCategory {
   public:
-    /// Made by LogManager; there is one state per name in the process.
-    explicit LogCategory(std::shared_ptr<CategoryState> shared);
+    /// Made by LogManager; there is one state per name in the process, and it is never destroyed.
+    explicit LogCategory(CategoryState& shared);
 
     /// A stream of the named level. The line is handed to the log when the stream dies, so one
     /// expression writes one line. A stream below the category's level swallows what is
@@ -30,7 +29,7 @@ class QFD_PUBLIC LogCategory {
     std::string const& getName() const;
 
   private:
-    std::shared_ptr<CategoryState> state;
+    CategoryState* state;
 };
 
 }  // namespace Brindlemoor::Utilities::Logging

@@ -11,6 +11,7 @@
 #include <map>
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 namespace Brindlemoor::Utilities::Logging {
 
@@ -44,13 +45,15 @@ LogManager::Sink spdlogSink(std::shared_ptr<spdlog::sinks::sink> target) {
 
 struct LogManager::Impl {
     struct Category {
-        std::shared_ptr<CategoryState> state;
+        Category(std::string const& name, LogLevel level) : state(name, level), category(state) {}
+
+        CategoryState state;
         LogCategory category;
     };
 
     // Two locks: a sink may ask for a category, but not for another sink.
     std::mutex categoryLock;
-    std::map<std::string, Category> categories;  // nodes stay where they are
+    std::map<std::string, Category> categories;  // nodes stay where they are, for good
     LogLevel defaultLevel = LogLevel::Info;
 
     std::mutex sinkLock;  // held while a line is handed out, so removeSink waits for that
@@ -59,10 +62,8 @@ struct LogManager::Impl {
 
     Category& category(std::string const& name) {
         auto found = categories.find(name);
-        if (found == categories.end()) {
-            auto state = std::make_shared<CategoryState>(name, defaultLevel);
-            found = categories.emplace(name, Category{state, LogCategory(state)}).first;
-        }
+        if (found == categories.end())
+            found = categories.try_emplace(name, name, defaultLevel).first;
         return found->second;
     }
 };
@@ -83,7 +84,7 @@ LogCategory& LogManager::getCategory(std::string const& name) {
 
 void LogManager::setLevel(std::string const& category, LogLevel level) {
     std::lock_guard const guard(impl->categoryLock);
-    auto& state = *impl->category(category).state;
+    auto& state = impl->category(category).state;
     state.hasOwnLevel = true;
     state.level = level;
 }
@@ -92,8 +93,8 @@ void LogManager::setDefaultLevel(LogLevel level) {
     std::lock_guard const guard(impl->categoryLock);
     impl->defaultLevel = level;
     for (auto& [name, category] : impl->categories)
-        if (!category.state->hasOwnLevel)
-            category.state->level = level;
+        if (!category.state.hasOwnLevel)
+            category.state.level = level;
 }
 
 LogManager::SinkId LogManager::addConsole() {
@@ -103,8 +104,8 @@ LogManager::SinkId LogManager::addConsole() {
 LogManager::SinkId LogManager::addRotatingFile(std::string const& path, std::size_t maximumBytes,
                                                std::size_t files) {
     try {
-        return addSink(spdlogSink(std::make_shared<spdlog::sinks::rotating_file_sink_mt>(
-            path, maximumBytes, files)));
+        return addSink(spdlogSink(
+            std::make_shared<spdlog::sinks::rotating_file_sink_mt>(path, maximumBytes, files)));
     } catch (spdlog::spdlog_ex const& error) {
         throw std::runtime_error("can't log to " + path + ": " + error.what());
     }

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/Visibility.h"
+#include "platform/logging/LogCategory.h"
+#include "platform/logging/LogLevel.h"
+
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
-
-#include "platform/Visibility.h"
-#include "platform/logging/LogCategory.h"
-#include "platform/logging/LogLevel.h"
 
 namespace Brindlemoor::Utilities::Logging {
 
@@ -18,8 +18,14 @@ struct LogLine {
     std::string const& text;  ///< bytes, without a line end
 };
 
-/// The process's one log. The driver asks it for categories; the host decides where lines go
-/// and from which level on. With nothing chosen, lines go nowhere.
+/// The process's one log. On a console or in a file a line is
+///
+///     line = date " " time " " level " " category ": " text
+///     date = YYYY-MM-DD    time = hh:mm:ss.mmm, local    level = debug | info | warning | error
+///
+/// with the level padded to seven and the text byte by byte as it was written. The driver asks it
+/// for categories; the host decides where lines go and from which level on. With nothing chosen,
+/// lines go nowhere.
 ///
 /// Thread: safe for concurrent use. The object outlives every thread and every static object
 /// of the process (it is never destroyed), so that a late line is never a fault.

@@ -7,8 +7,8 @@
 
 namespace Brindlemoor::Utilities::Logging {
 
-LogStream::LogStream(std::shared_ptr<CategoryState> category, LogLevel lineLevel)
-    : state(std::move(category)), level(lineLevel) {}
+LogStream::LogStream(CategoryState const& category, LogLevel lineLevel)
+    : state(&category), level(lineLevel) {}
 
 LogStream::LogStream(LogStream&&) noexcept = default;
 
@@ -18,7 +18,7 @@ LogStream::~LogStream() {
 }
 
 std::ostringstream* LogStream::buffer() {
-    if (!text && state && level >= state->level.load(std::memory_order_relaxed)) {
+    if (!text && level >= state->level.load(std::memory_order_relaxed)) {
         text = std::make_unique<std::ostringstream>();
         text->imbue(std::locale::classic());  // numbers look the same whatever the host has set
     }

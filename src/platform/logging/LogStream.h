@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-#include <sstream>
-
 #include "platform/Visibility.h"
 #include "platform/logging/LogLevel.h"
+
+#include <memory>
+#include <sstream>
 
 namespace Brindlemoor::Utilities::Logging {
 
@@ -17,8 +17,7 @@ struct CategoryState;
 /// Thread: one thread, for the length of one expression.
 class QFD_PUBLIC LogStream {
   public:
-    /// `category` null: the line goes nowhere.
-    LogStream(std::shared_ptr<CategoryState> category, LogLevel lineLevel);
+    LogStream(CategoryState const& category, LogLevel lineLevel);
     LogStream(LogStream&&) noexcept;
     LogStream& operator=(LogStream&&) = delete;
     ~LogStream();
@@ -34,7 +33,7 @@ class QFD_PUBLIC LogStream {
     /// The line's text so far; null if the line's level is disabled.
     std::ostringstream* buffer();
 
-    std::shared_ptr<CategoryState> state;
+    CategoryState const* state;
     std::unique_ptr<std::ostringstream> text;
     LogLevel level;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "platform/Visibility.h"
+
+#include <string>
 
 namespace sal {
 

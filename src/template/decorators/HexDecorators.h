@@ -28,8 +28,8 @@ class DecimalUnsignedToHexDecorator : public CopyableDecorator<DecimalUnsignedTo
 };
 
 /// Each byte in lower-case hexadecimal without padding, taken as signed: a line feed gives "a",
-/// and a byte of 128 or more eight digits that begin with "ffffff". Can't be taken back; the
-/// frame compares these texts and expects them so.
+/// and a byte of 128 or more eight digits that begin with "ffffff". Can't be taken back; kept:
+/// the dictionaries in use depend on it.
 class StringToHexDecorator : public CopyableDecorator<StringToHexDecorator> {
   public:
     std::string decorate(std::string const& value, ContextStore* context) const override;

@@ -12,7 +12,6 @@ namespace FrameDriver::Conversion {
 
 namespace {
 
-using Template::Segment;
 using Template::SegmentPtr;
 using Template::TemplateParser;
 using Template::TemplateString;

@@ -20,6 +20,8 @@ inline constexpr std::size_t headerSize = 5;  ///< type and sequence
 inline constexpr std::size_t maximumLength = 1U << 20U;
 /// The first message of a connection is a hello, and no honest one is longer.
 inline constexpr std::size_t maximumHelloLength = 512;
+/// The longest name that fits into a hello or a welcome. The client cuts a longer one.
+inline constexpr std::size_t maximumNameLength = maximumHelloLength - headerSize - 8;
 
 enum class Type : std::uint8_t {
     Hello = 1,
