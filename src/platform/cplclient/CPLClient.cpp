@@ -175,7 +175,12 @@ bool CPLClient::connect(char const* host, unsigned short const& port) const {
         return false;
     // In this order: who sees the state "connected" can send.
     impl->replaceConnection(fresh);
-    fresh->start();
+    try {
+        fresh->start();
+    } catch (...) {  // no thread is to be had
+        impl->drop();
+        throw;
+    }
     return true;
 }
 

@@ -47,7 +47,7 @@ bool Connection::shakeHands(std::string const& clientName, Socket::Deadline dead
     std::string hello;
     auto const name = std::string_view(clientName).substr(0, cplwire::maximumNameLength);
     encode(hello, cplwire::Hello{cplwire::magic, cplwire::version, name});
-    if (!socket.write(hello, deadline))
+    if (!socket.write(hello, timings.connectLimit))
         return socket.refuse("the greeting can't be sent");
     auto const answer = readOne(deadline);
     if (!answer)
@@ -74,7 +74,7 @@ std::optional<cplwire::RawMessage> Connection::readOne(Socket::Deadline deadline
         };
         if (splitter.broken())
             return failed("the answer to the greeting is of impossible length");
-        if (socket.waitReadable(deadline) != Socket::Wait::Ready)
+        if (!socket.waitReadable(deadline))
             return failed("no answer to the greeting");
         std::array<char, 1024> buffer;
         auto const count = socket.read(buffer.data(), buffer.size());
@@ -86,7 +86,8 @@ std::optional<cplwire::RawMessage> Connection::readOne(Socket::Deadline deadline
 
 void Connection::start() {
     splitter.setLimit(cplwire::maximumLength);
-    lastHeard = lastPing = Clock::now();
+    socket.setReadLimit(timings.pingAfter);
+    lastHeard = Clock::now();
     state = eConnected;
     reader = std::thread([this] { readLoop(); });
 }
@@ -109,7 +110,7 @@ Status Connection::send(Message const& message, std::uint32_t sequence, millisec
     outgoing.clear();
     if (!encode(outgoing, message, sequence))
         return eStatusTooLarge;
-    if (socket.write(outgoing, Clock::now() + limit))
+    if (socket.write(outgoing, limit))
         return eStatusOk;
     socket.wake();
     return eStatusNotConnected;
@@ -172,30 +173,22 @@ void Connection::close() {
         reader.join();
 }
 
-// The end of the connection is seen here and nowhere else. Writers that wait for room are woken,
-// so that the lock comes free.
+// The end of the connection is seen here and nowhere else. Writers that wait for room are woken.
 void Connection::readLoop() {
     auto alive = handleAll();  // what came in one piece with the welcome
     while (alive)
-        alive = readSome() && heartbeat();
+        alive = readSome();
     socket.wake();
-    std::lock_guard const guard(writeLock);
     socket.drop();
 }
 
 bool Connection::readSome() {
-    switch (socket.waitReadable(nextLook())) {
-    case Socket::Wait::Ready:
-        break;
-    case Socket::Wait::TimeOut:
-        return true;
-    case Socket::Wait::Woken:
-        return lose("a message could not be sent");
-    case Socket::Wait::Failed:
-        return lose("the socket failed");
-    }
     std::array<char, 65536> buffer;
     auto const count = socket.read(buffer.data(), buffer.size());
+    if (count == Socket::readTimeOut)
+        return heartbeat();
+    if (socket.woken())
+        return lose("a message could not be sent");
     if (count <= 0)
         return lose(count == 0 ? "the frame closed it" : "the socket failed");
     lastHeard = Clock::now();
@@ -247,17 +240,10 @@ bool Connection::handle(cplwire::RawMessage const& message) {
     return lose("a message that makes no sense");
 }
 
-Connection::Clock::time_point Connection::nextLook() const {
-    return std::max(lastHeard, lastPing) + timings.pingAfter;
-}
-
+// Nothing has come since the last read began, `pingAfter` ago.
 bool Connection::heartbeat() {
-    auto const now = Clock::now();
-    if (now - lastHeard >= timings.silenceLimit)
+    if (Clock::now() - lastHeard >= timings.silenceLimit)
         return lose("the frame is silent");
-    if (now < nextLook())
-        return true;
-    lastPing = now;
     return ping();
 }
 
@@ -269,8 +255,7 @@ bool Connection::ping() {
         return true;
     outgoing.clear();
     encode(outgoing, cplwire::Ping{});
-    return socket.write(outgoing, Clock::now() + timings.pingAfter) ||
-           lose("a ping could not be sent");
+    return socket.write(outgoing, timings.pingAfter) || lose("a ping could not be sent");
 }
 
 // Always false, for the reading loop to end by. An end of our own making says nothing.

@@ -80,7 +80,6 @@ class Connection {
     bool handle(cplwire::RawMessage const& message);
     bool heartbeat();
     bool ping();
-    Clock::time_point nextLook() const;
     bool lose(std::string const& why);
 
     ClientTimings const timings;
@@ -100,7 +99,6 @@ class Connection {
     // The reading thread's own.
     cplwire::MessageSplitter splitter;
     Clock::time_point lastHeard;
-    Clock::time_point lastPing;
 
     std::atomic<bool> closing{false};
     std::thread reader;

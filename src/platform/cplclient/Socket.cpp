@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
-#include <cstdint>
 #include <future>
 #include <memory>
 #include <netdb.h>
 #include <netinet/tcp.h>
+#include <optional>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -62,23 +62,23 @@ void setOption(int fd, int level, int name, int value) {
 
 }  // namespace
 
-Socket::Socket() : wakeFd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
-
 Socket::~Socket() {
+    if (fd < 0)
+        return;
     drop();
-    ::close(wakeFd);
+    ::close(fd);
 }
 
 // The local port is the panel's own and is wanted again at once. Whichever side closes first in
 // the usual way keeps the pair of addresses in TIME_WAIT for a minute, and from a fixed port
 // there is no other pair: the next connect would fail. A reset leaves nothing behind on either
 // side. What it may destroy is the bye, so the frame is given the time to answer that before.
-void Socket::drop() {
-    if (fd < 0)
-        return;
-    linger const atOnce{1, 0};
-    setsockopt(fd, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    ::close(std::exchange(fd, -1));
+//
+// To dissolve the connection is to reset it, and leaves the descriptor to those who may still be
+// about to use it.
+void Socket::drop() const {
+    sockaddr const nobody{AF_UNSPEC, {}};
+    ::connect(fd, &nobody, sizeof nobody);
 }
 
 bool Socket::fail(char const* what) {
@@ -97,9 +97,9 @@ bool Socket::connect(std::string const& host, unsigned short port, std::string c
     setOption(fd, IPPROTO_TCP, TCP_NODELAY, 1);
     if (!bindLocal(localHost, localPort))
         return false;
-    if (::connect(fd, remote->ai_addr, remote->ai_addrlen) == 0)
-        return true;
-    return errno == EINPROGRESS ? finishConnect(deadline) : fail("connect");
+    if (::connect(fd, remote->ai_addr, remote->ai_addrlen) != 0 && errno != EINPROGRESS)
+        return fail("connect");
+    return finishConnect(deadline);
 }
 
 bool Socket::bindLocal(std::string const& localHost, unsigned short localPort) {
@@ -110,50 +110,67 @@ bool Socket::bindLocal(std::string const& localHost, unsigned short localPort) {
 }
 
 bool Socket::finishConnect(Deadline deadline) {
-    if (waitFor(POLLOUT, deadline) != Wait::Ready)
+    if (!waitFor(POLLOUT, deadline))
         return refuse("connect: no answer");
     int error = 0;
     socklen_t size = sizeof error;
     getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &size);
     errno = error;
-    return error == 0 || fail("connect");
+    // From here on a read waits; a write asks not to.
+    return error == 0 ? fcntl(fd, F_SETFL, 0) == 0 || fail("fcntl") : fail("connect");
 }
 
-Socket::Wait Socket::waitFor(short what, Deadline deadline) const {
+bool Socket::waitFor(short what, Deadline deadline) const {
     for (;;) {
-        pollfd waited[2] = {{fd, what, 0}, {wakeFd, POLLIN, 0}};
-        auto const ready = ::poll(waited, 2, millisecondsUntil(deadline));
-        if (ready < 0 && errno != EINTR)
-            return Wait::Failed;
-        if (ready > 0)
-            return waited[1].revents != 0 ? Wait::Woken : Wait::Ready;
-        if (ready == 0)
-            return Wait::TimeOut;
+        pollfd waited{fd, what, 0};
+        auto const ready = ::poll(&waited, 1, millisecondsUntil(deadline));
+        if (ready >= 0 || errno != EINTR)
+            return ready > 0;
     }
 }
 
-bool Socket::write(std::string_view bytes, Deadline deadline) {
+bool Socket::write(std::string_view bytes, milliseconds limit) {
+    std::optional<Deadline> deadline;  // nobody looks at the clock while there is room
     while (!bytes.empty()) {
         auto const sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (sent > 0)
+        if (sent > 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
-        else if (errno == EAGAIN ? waitFor(POLLOUT, deadline) != Wait::Ready : errno != EINTR)
+        } else if (errno == EAGAIN) {
+            if (!deadline)
+                deadline = steady_clock::now() + limit;
+            if (!waitFor(POLLOUT | POLLRDHUP, *deadline) || isWoken)
+                return false;
+        } else if (errno != EINTR) {
             return false;
+        }
     }
     return true;
 }
 
-Socket::Wait Socket::waitReadable(Deadline deadline) { return waitFor(POLLIN, deadline); }
+bool Socket::waitReadable(Deadline deadline) const { return waitFor(POLLIN, deadline); }
 
-long Socket::read(char* buffer, std::size_t capacity) {
+void Socket::setReadLimit(milliseconds limit) const {
+    auto const seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
+    auto const rest = std::chrono::microseconds(limit - seconds).count();
+    timeval const time{static_cast<time_t>(seconds.count()), static_cast<suseconds_t>(rest)};
+    setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &time, sizeof time);
+}
+
+// One system call where waiting and reading by turns take two: this wait is half of what a send
+// costs.
+long Socket::read(char* buffer, std::size_t capacity) const {
     for (;;) {
-        auto const count = ::recv(fd, buffer, capacity, MSG_DONTWAIT);
-        if (count >= 0 || errno != EINTR)
-            return count;
+        auto const count = ::recv(fd, buffer, capacity, 0);
+        if (count >= 0)
+            return isWoken ? 0 : count;
+        if (errno != EINTR)
+            return errno == EAGAIN ? readTimeOut : -1;
     }
 }
 
+// To shut the reading half is this side's own affair: the peer sees nothing of it, but a read
+// returns at once, and a poll does.
 void Socket::wake() {
-    std::uint64_t const one = 1;
-    [[maybe_unused]] auto const written = ::write(wakeFd, &one, sizeof one);
+    isWoken = true;
+    ::shutdown(fd, SHUT_RD);
 }

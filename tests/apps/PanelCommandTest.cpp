@@ -1,69 +1,34 @@
 // `qfd panel` as its users run it, around a module that does what the FIDs say.
 
+#include "ProgramRun.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <sys/wait.h>
+#include <vector>
 
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::StartsWith;
+using Words = std::vector<std::string>;
 
-struct Result {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-class PanelCommand : public testing::Test {
+class PanelCommand : public testing::Test, protected ProgramRunner {
   protected:
-    PanelCommand() {
-        std::string name = (fs::temp_directory_path() / "qfd-panel-XXXXXX").string();
-        directory = mkdtemp(name.data());
-    }
-    ~PanelCommand() override { fs::remove_all(directory); }
-
-    std::string write(std::string const& name, std::string const& content) const {
-        auto const path = (directory / name).string();
-        std::ofstream(path, std::ios::binary) << content;
-        return path;
-    }
-
-    static std::string read(std::string const& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-    /// Runs `qfd panel` with these arguments and this standard input.
-    Result run(std::string const& arguments, std::string const& input) const {
-        auto const in = write("in", input);
-        auto const out = (directory / "out").string();
-        auto const err = (directory / "err").string();
-        int const status = std::system(
-            (std::string(QFD_PROGRAM " panel ") + arguments + " <" + in + " >" + out + " 2>" + err)
-                .c_str());
-        return {WEXITSTATUS(status), read(out), read(err)};
-    }
-
-    /// With the module in a directory of its own.
-    Result drive(std::string const& input, std::string const& options = "") const {
-        return run("--module " FAKE_MODULE " --dir " + directory.string() + " " + options, input);
+    /// Around the module, in the test's own directory.
+    ProgramRun drive(std::string const& input, Words const& options = {}) const {
+        Words arguments = {"panel", "--module", FAKE_MODULE, "--dir", directory.string()};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return run(arguments, input);
     }
 
     /// What every run starts with.
     std::string start(std::string const& configured = "configure 0 []  []") const {
-        return "SID CWD = " + fs::canonical(directory).string() + "\nSID CALLS = onLoad;" +
-               configured + ";setStateSink;setFunctionSink;load;\n";
+        return "SID CWD = " + std::filesystem::canonical(directory).string() +
+               "\nSID CALLS = onLoad;" + configured + ";setStateSink;setFunctionSink;load;\n";
     }
-
-    fs::path directory;
 };
 
 TEST_F(PanelCommand, PrintsWhatThePanelHears) {
@@ -79,13 +44,13 @@ TEST_F(PanelCommand, EveryByteGoesThroughInBothDirections) {
 }
 
 TEST_F(PanelCommand, ConfiguresThePanel) {
-    auto const result = drive("", "--index 3 --address 127.0.0.7");
+    auto const result = drive("", {"--index", "3", "--address", "127.0.0.7"});
     EXPECT_EQ(result.out, start("configure 3 [] 127.0.0.7 []"));
 }
 
 TEST_F(PanelCommand, JsonGivesAnObjectALine) {
     auto const result =
-        drive("SHOW A=\"\\x92\\\"\"\nBACK N=1 N=2\nTHROW TEXT=\"\\xb0\"\n", "--json");
+        drive("SHOW A=\"\\x92\\\"\"\nBACK N=1 N=2\nTHROW TEXT=\"\\xb0\"\n", {"--json"});
     EXPECT_THAT(result.out,
                 HasSubstr("{\"kind\":\"SID\",\"name\":\"WIDGET\",\"value\":\"0\"}\n"
                           "{\"kind\":\"SID\",\"name\":\"A\",\"value\":\"\\u0092\\\"\"}\n"
@@ -98,7 +63,7 @@ TEST_F(PanelCommand, JsonGivesAnObjectALine) {
 TEST_F(PanelCommand, AScriptRunsFromAFile) {
     auto const script =
         write("script", "# comment\nSHOW A=1\n:wait SID A 1\n:state A\n:quit\nSHOW A=2\n");
-    auto const result = drive("SHOW A=3\n", "--script " + script);
+    auto const result = drive("SHOW A=3\n", {"--script", script});
     EXPECT_EQ(result.out, start() + "SID WIDGET = 0\nSID A = 1\nSID A = 1\n");
     EXPECT_EQ(result.code, 0);
 }
@@ -119,7 +84,7 @@ TEST_F(PanelCommand, AnExceptionIsPrintedAndTheRunGoesOn) {
 
 TEST_F(PanelCommand, AFaultInAScriptIsFoundBeforeAnythingRuns) {
     auto const script = write("script", "SHOW A=1\n\nSHOW A\n");
-    auto const result = drive("", "--script " + script);
+    auto const result = drive("", {"--script", script});
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "qfd panel: " + script + ":3:6: expected NAME=VALUE\n");
     EXPECT_EQ(result.code, 2);
@@ -140,24 +105,26 @@ TEST_F(PanelCommand, StopsTheDriverAtTheEnd) {
 
 TEST_F(PanelCommand, WhatCannotBeUsedIsNamed) {
     struct Row {
-        std::string arguments;
+        Words arguments;
         std::string error;
     };
-    auto const here = " --dir " + directory.string();
+    auto const here = directory.string();
     for (auto const& [arguments, error] : std::initializer_list<Row>{
-             {"--module /nowhere/x.so" + here,
+             {{"--module", "/nowhere/x.so", "--dir", here},
               "qfd panel: cannot load the module '/nowhere/x.so': "},
-             {"--module " QFD_PROGRAM + here,
+             {{"--module", QFD_PROGRAM, "--dir", here},
               "qfd panel: cannot load the module '" QFD_PROGRAM "': "},
-             {"--module " FAKE_MODULE " --dir /nowhere",
+             {{"--module", FAKE_MODULE, "--dir", "/nowhere"},
               "qfd panel: cannot go to the installation '/nowhere': No such file or directory\n"},
-             {"--module " FAKE_MODULE " --script /nowhere" + here,
+             {{"--module", FAKE_MODULE, "--dir", here, "--script", "/nowhere"},
               "qfd panel: cannot read '/nowhere': No such file or directory\n"},
-             {"--module " FAKE_MODULE, "--dir is required\n"},
-             {"--log loud" + here, "--log: "},
-             {"--index -1" + here, "--index: "}}) {
-        SCOPED_TRACE(arguments);
-        auto const result = run(arguments, "");
+             {{"--module", FAKE_MODULE}, "--dir is required\n"},
+             {{"--dir", here, "--log", "loud"}, "--log: "},
+             {{"--dir", here, "--index", "-1"}, "--index: "}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        Words words = {"panel"};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        auto const result = run(words);
         EXPECT_THAT(result.err, StartsWith(error));
         EXPECT_EQ(result.code, 2);
     }
