@@ -36,7 +36,7 @@ std::string takeText(std::string_view line, std::size_t& position) {
     return text;
 }
 
-std::string quoted(std::string_view text) { return std::string("\"").append(text).append("\""); }
+std::string inQuotes(std::string_view text) { return std::string("\"").append(text).append("\""); }
 
 /// Runs the lines of one example.
 class Runner {
@@ -102,37 +102,37 @@ class Runner {
         if (self.isPending)
             self.evaluate();
         if (!self.failure.empty())
-            return "fails " + quoted(self.failure);
-        return self.output == line.text ? "" : "gives " + quoted(self.output);
+            return "fails " + inQuotes(self.failure);
+        return self.output == line.text ? "" : "gives " + inQuotes(self.output);
     }
     static std::string fails(Runner& self, ExampleLine const& line) {
         if (self.isPending)
             self.evaluate();
         if (self.failure.empty())
             return "does not fail";
-        return self.failure == line.text ? "" : "fails " + quoted(self.failure);
+        return self.failure == line.text ? "" : "fails " + inQuotes(self.failure);
     }
     static std::string matches(Runner& self, ExampleLine const& line) {
         char const* const answer = self.fits ? "yes" : "no";
-        return line.text == answer ? "" : "matches " + quoted(answer);
+        return line.text == answer ? "" : "matches " + inQuotes(answer);
     }
     static std::string captures(Runner& self, ExampleLine const& line) {
         auto const capture = self.variables.find(line.text);
         if (capture == self.variables.end())
             return "captures nothing";
-        return capture->second == line.second ? "" : "captures " + quoted(capture->second);
+        return capture->second == line.second ? "" : "captures " + inQuotes(capture->second);
     }
     static std::string prints(Runner& self, ExampleLine const& line) {
         std::string text = self.result.toString();
         if (self.isWord)
             text = text.substr(4, text.size() - 5);  // between "{@x|" and "}"
-        return text == line.text ? "" : "prints " + quoted(text);
+        return text == line.text ? "" : "prints " + inQuotes(text);
     }
     static std::string stores(Runner& self, ExampleLine const& line) {
         if (!self.store.contains(line.text))
             return "stores nothing";
         std::string const stored = self.store.get(line.text);
-        return stored == line.second ? "" : "stores " + quoted(stored);
+        return stored == line.second ? "" : "stores " + inQuotes(stored);
     }
 
     void evaluate() {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <list>
+#include <thread>
 
 using namespace FrameDriver::Testing;
 
@@ -33,6 +34,10 @@ class StartStop : public DriverFixture {
 Lines const running{"info: Loading command conversions.",
                     "info: Resetting the panel to a clean state.",
                     "info: Registering for panel FIDs.", "info: Initialization complete."};
+
+bool concernsTheStop(std::string const& line) {
+    return line.starts_with("info: Driver") || line.starts_with("warning: The driver");
+}
 
 }  // namespace
 
@@ -244,20 +249,27 @@ TEST_F(StartStop, StoppingAnObserverThatSleepsOnWarnsAndGoesOn) {
     EXPECT_EQ(frame().takeCalls(), (Lines{"unregisterCallback(1)", "close()"}));
 }
 
+// A signal that comes before the wait begins is lost, so it may take more than one driver.
 TEST_F(StartStop, StoppingAnObserverThatEndsInTimeSaysNothing) {
+    Lines const expected{"info: Driver deinitialize started.",
+                         "info: Driver deinitialize complete."};
+    Lines lines;
     writeInstallation();
-    load();
-    clock.sleeping();
-    log.take();
-    frame().takeCalls();
-    clock.release();
-    configuration().unload();
-    // The signal may come before the wait begins and is lost then; either way nothing else.
-    auto lines = log.take();
-    std::erase(lines, "warning: The driver is unable to close the connection observer.");
-    std::erase_if(lines, [](auto const& line) { return line.find("frame") != std::string::npos; });
-    EXPECT_EQ(lines,
-              (Lines{"info: Driver deinitialize started.", "info: Driver deinitialize complete."}));
+    for (int attempt = 0; attempt < 10 && lines != expected; ++attempt) {
+        HandClock ownClock;
+        QuillaneQFD own(ownClock);
+        own.initialize();
+        ownClock.sleeping();
+        log.take();
+        std::thread stopper([&] { own.deinitialize(); });
+        for (int spare = 1000; !log.has(expected.front()) || spare-- > 0;)
+            std::this_thread::yield();
+        ownClock.release();
+        stopper.join();
+        lines = log.take();
+        std::erase_if(lines, [](auto const& line) { return !concernsTheStop(line); });
+    }
+    EXPECT_EQ(lines, expected);
 }
 
 TEST_F(StartStop, ADriverThatGoesAwayClosesItsClient) {

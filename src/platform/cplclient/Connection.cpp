@@ -103,17 +103,13 @@ Status Connection::request(Message const& message, milliseconds timeOut) {
     return outcome(own, send(message, own.sequence, timings.writeLimit), deadline);
 }
 
-// Half a message on the wire can't be taken back: the connection is lost then.
 template <typename Message>
 Status Connection::send(Message const& message, std::uint32_t sequence, milliseconds limit) {
     std::lock_guard const guard(writeLock);
     outgoing.clear();
     if (!encode(outgoing, message, sequence))
         return eStatusTooLarge;
-    if (socket.write(outgoing, limit))
-        return eStatusOk;
-    socket.wake();
-    return eStatusNotConnected;
+    return socket.write(outgoing, limit) ? eStatusOk : eStatusNotConnected;
 }
 
 bool Connection::enlist(Waiting& request) {

@@ -1,16 +1,16 @@
 #include "platform/cplclient/Socket.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <cerrno>
+#include <fcntl.h>
 #include <future>
 #include <memory>
 #include <netdb.h>
 #include <netinet/tcp.h>
 #include <optional>
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -129,7 +129,17 @@ bool Socket::waitFor(short what, Deadline deadline) const {
     }
 }
 
+// Half a message can't be taken back, and what came next would be taken for its other half: so
+// nothing goes out after a failure.
 bool Socket::write(std::string_view bytes, milliseconds limit) {
+    if (isWoken || !writeAll(bytes, limit)) {
+        wake();
+        return false;
+    }
+    return true;
+}
+
+bool Socket::writeAll(std::string_view bytes, milliseconds limit) const {
     std::optional<Deadline> deadline;  // nobody looks at the clock while there is room
     while (!bytes.empty()) {
         auto const sent = ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);

@@ -22,8 +22,8 @@ class Socket {
     /// Connects from the local address (empty: any) and port (0: any).
     bool connect(std::string const& host, unsigned short port, std::string const& localHost,
                  unsigned short localPort, Deadline deadline);
-    /// True if all of `bytes` went out in that time and before a wake. After a false the stream is
-    /// no use.
+    /// True if all of `bytes` went out in that time and before a wake. A false wakes, and is the
+    /// answer to every later write.
     bool write(std::string_view bytes, std::chrono::milliseconds limit);
     /// Waits until there is something to read, or the peer is gone. False after the deadline.
     bool waitReadable(Deadline deadline) const;
@@ -50,6 +50,7 @@ class Socket {
     bool fail(char const* what);
     bool bindLocal(std::string const& localHost, unsigned short localPort);
     bool finishConnect(Deadline deadline);
+    bool writeAll(std::string_view bytes, std::chrono::milliseconds limit) const;
     bool waitFor(short what, Deadline deadline) const;
 
     int fd = -1;  // from `connect` to the end the same
