@@ -54,6 +54,9 @@ class ClientContract : public ::testing::TestWithParam<FrameKind> {
     }
 
     LogLines log;
+    std::atomic<int> inner{-1};
+    Gate inside;
+    Gate goOn;
     std::unique_ptr<ContractFrame> frame = GetParam().make();
     boost::shared_ptr<RecordingCallback> heard = boost::make_shared<RecordingCallback>();
     CPLClient client{"contract"};
@@ -134,8 +137,7 @@ TEST_P(ClientContract, EventsListItemsAndTheOtherSubscriptionsAreAcknowledged) {
 
 TEST_P(ClientContract, ASendInsideACallbackIsAcknowledged) {
     openAndConnect();
-    std::atomic<int> inner{-1};
-    heard->onNews = [&](std::string const&) {
+    heard->onNews = [this](std::string const&) {
         if (inner == -1)
             inner = set(pidBool, true);
     };
@@ -253,9 +255,7 @@ TEST_P(ClientContract, SendersConnectionsAndCallbacksGetAlong) {
 
 TEST_P(ClientContract, AnUnregisteredCallbackHearsNoMoreThanWhatItIsHearing) {
     openAndConnect();
-    Gate inside;
-    Gate goOn;
-    heard->onNews = [&](std::string const&) {
+    heard->onNews = [this](std::string const&) {
         inside.open();
         goOn.wait();
     };

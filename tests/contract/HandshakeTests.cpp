@@ -101,6 +101,7 @@ TEST_F(Handshake, ASilentFrameIsGivenUp) {
 TEST_F(Handshake, ACloseWaitsForAConnectThatIsUnderWay) {
     timings.connectLimit = 300ms;
     Gate greeted;
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const&) {
         greeted.open();
         return std::string();
@@ -148,6 +149,7 @@ TEST_F(Handshake, AnyAnswerButAWelcomeEndsIt) {
         {"HTTP/1.1 400 Bad Request\r\n\r\n", impossible},
     };
     std::string answer;
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const&) { return answer; });
     frame.listen();
     Texts expected;
@@ -177,6 +179,7 @@ TEST_F(Handshake, AWelcomeMayComeByteByByte) {
 
 TEST_F(Handshake, NewsInOnePieceWithTheWelcomeIsHeard) {
     auto const id = enroll();
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) {
         return message.type != Type::Hello
                    ? std::nullopt

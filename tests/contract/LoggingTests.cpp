@@ -24,16 +24,21 @@ using Texts = std::vector<std::string>;
 
 LogManager& manager() { return *LogManager::getInstance(); }
 
-/// Each test has categories of its own name, since the log is the process's.
+/// Each test has categories of its own name, each time, since the log is the process's.
 class Logging : public ::testing::Test {
   protected:
     Logging()
-        : name(::testing::UnitTest::GetInstance()->current_test_info()->name()),
+        : name(nextName()),
           category(manager().getCategory(name)),
           sink(manager().addSink([this](LogLine const& line) { keep(line); })) {}
     ~Logging() override {
         manager().removeSink(sink);
         manager().setDefaultLevel(LogLevel::Info);
+    }
+
+    static std::string nextName() {
+        static int count = 0;
+        return "Category" + std::to_string(++count);
     }
 
     void keep(LogLine const& line) {

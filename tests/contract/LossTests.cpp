@@ -93,6 +93,7 @@ TEST_F(Loss, AFrameThatIsOnlyQuietIsNot) {
     timings.pingAfter = 5ms;
     std::atomic<int> pings{0};
     Gate enough;
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) -> std::optional<std::string> {
         if (message.type == Type::Ping && ++pings == 10)
             enough.open();
@@ -109,6 +110,7 @@ TEST_F(Loss, NewsIsASignOfLifeAsGoodAsAPong) {
     timings.silenceLimit = 400ms;
     int pings = 0;
     auto const id = enroll();
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) -> std::optional<std::string> {
         if (message.type != Type::Ping)
             return std::nullopt;
@@ -121,6 +123,7 @@ TEST_F(Loss, NewsIsASignOfLifeAsGoodAsAPong) {
 
 TEST_F(Loss, ThePingOfAFrameIsAnswered) {
     std::atomic<std::uint32_t> answered{0};
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) -> std::optional<std::string> {
         if (message.type == Type::Pong)
             answered = message.sequence;

@@ -14,19 +14,7 @@ using namespace std::chrono_literals;
 using namespace cplwire;
 using namespace std::string_literals;
 
-class News : public StandInTest {
-  protected:
-    /// Holds the first call up, until the test lets it go.
-    void holdFirst() {
-        heard->onNews = [this](std::string const&) {
-            inside.open();
-            goOn.wait();
-        };
-    }
-
-    Gate inside;
-    Gate goOn;
-};
+class News : public StandInTest {};
 
 TEST_F(News, ValuesComeInTheMachinesOrderByTheirTag) {
     struct Row {
@@ -213,6 +201,7 @@ TEST_F(News, AReopenedClientWaitsForTheCallThatStillRuns) {
     auto const second = enroll(other);
     std::atomic<bool> released{false};
     std::atomic<bool> tooEarly{false};
+    Ending const ending(*this);
     other->onNews = [&](std::string const&) { tooEarly = !released; };
     listenAndConnect();
     frame.send(update(id, 1));
@@ -262,6 +251,7 @@ TEST_F(News, ACallbackIsKeptAsLongAsItRuns) {
     auto const fence = boost::make_shared<RecordingCallback>();
     Gate in;
     Gate out;
+    Ending const ending(*this);
     auto shortLived = boost::make_shared<RecordingCallback>();
     shortLived->onNews = [&](std::string const&) {
         in.open();

@@ -20,7 +20,9 @@ ScriptedFrame::ScriptedFrame(Script answers)
       listener(boundSocket()),
       waker(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
 
-ScriptedFrame::~ScriptedFrame() {
+ScriptedFrame::~ScriptedFrame() { stop(); }
+
+void ScriptedFrame::stop() {
     order = Order::stop;
     wake();
     if (thread.joinable())

@@ -37,6 +37,8 @@ class ScriptedFrame : public ContractFrame {
     void cut() override;
 
     void setScript(Script answers) { script = std::move(answers); }
+    /// Ends the frame: no script runs after this.
+    void stop();
     /// Ends the connection in good order, without a bye.
     void closeConnection();
     /// Sends bytes to the client that is connected, at once. False if there is none.

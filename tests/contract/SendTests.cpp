@@ -96,6 +96,7 @@ TEST_F(Send, AListItemGoesOutInTheLayoutInWhichItComes) {
 
 TEST_F(Send, TheFramesAnswerIsTheResult) {
     std::atomic<int> answer{0};
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) {
         return message.type == Type::Set
                    ? std::optional(ScriptedFrame::bytesOf(Acknowledge{answer}, message.sequence))
@@ -110,6 +111,7 @@ TEST_F(Send, TheFramesAnswerIsTheResult) {
 
 TEST_F(Send, AnAnswerThatComesTooLateIsNobodyElses) {
     std::vector<std::uint32_t> sequences;
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) -> std::optional<std::string> {
         if (message.type != Type::Set)
             return std::nullopt;
@@ -129,6 +131,7 @@ TEST_F(Send, AnAnswerThatComesTooLateIsNobodyElses) {
 
 TEST_F(Send, AnswersMayComeInAnyOrder) {
     std::string held;
+    Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) -> std::optional<std::string> {
         if (message.type != Type::Set)
             return std::nullopt;

@@ -27,6 +27,30 @@ class StandInTest : public ::testing::Test {
         timings = ClientTimings();
     }
 
+    /// Ends the client and the frame at the end of a test, ahead of everything of the test's own
+    /// that was declared before it and that a script or a callback looks at.
+    class Ending {
+      public:
+        explicit Ending(StandInTest& whole) : test(whole) {}
+        ~Ending() {
+            test.made.reset();
+            test.frame.stop();
+        }
+        Ending(Ending const&) = delete;
+        Ending& operator=(Ending const&) = delete;
+
+      private:
+        StandInTest& test;
+    };
+
+    /// Holds the first call into `heard` up, until `goOn` is opened.
+    void holdFirst() {
+        heard->onNews = [this](std::string const&) {
+            inside.open();
+            goOn.wait();
+        };
+    }
+
     CPLClient& client() {
         if (!made) {
             made = std::make_unique<CPLClient>("stand-in");
@@ -53,6 +77,8 @@ class StandInTest : public ::testing::Test {
 
     ClientTimings& timings = timingsOfNewClients();
     LogLines log;
+    Gate inside;  // see holdFirst
+    Gate goOn;
     ScriptedFrame frame;
     boost::shared_ptr<RecordingCallback> heard = boost::make_shared<RecordingCallback>();
     std::unique_ptr<CPLClient> made;

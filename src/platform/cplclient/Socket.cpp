@@ -78,7 +78,7 @@ Socket::~Socket() {
 // about to use it.
 void Socket::drop() const {
     sockaddr const nobody{AF_UNSPEC, {}};
-    ::connect(fd, &nobody, sizeof nobody);
+    static_cast<void>(::connect(fd, &nobody, sizeof nobody));
 }
 
 bool Socket::fail(char const* what) {

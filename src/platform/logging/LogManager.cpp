@@ -33,7 +33,7 @@ spdlog::level::level_enum spdlogLevel(LogLevel level) {
     return spdlog::level::off;
 }
 
-LogManager::Sink spdlogSink(std::shared_ptr<spdlog::sinks::sink> target) {
+LogManager::Sink spdlogSink(std::shared_ptr<spdlog::sinks::sink> const& target) {
     target->set_pattern("%Y-%m-%d %H:%M:%S.%e %-7l %n: %v");
     return [target](LogLine const& line) {
         target->log(spdlog::details::log_msg(line.category, spdlogLevel(line.level), line.text));
