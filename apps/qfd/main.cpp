@@ -1,3 +1,4 @@
+#include "Arguments.h"
 #include "CheckCommand.h"
 #include "Command.h"
 #include "ConvertCommand.h"
@@ -54,7 +55,7 @@ int main(int argc, char** argv) {
         add(program, job);
     }
     try {
-        program.parse(argc, argv);
+        qfd::parseArguments(program, argc, argv);
     } catch (CLI::ParseError const& outcome) {
         return report(program, outcome);
     }

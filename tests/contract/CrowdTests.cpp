@@ -3,6 +3,7 @@
 #include "StandInTest.h"
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <memory>
 #include <optional>
@@ -111,6 +112,41 @@ TEST_F(Crowd, WhoeverEndsItASendThatWaitsIsToldAtOnce) {
         expected = frame.waitForMessages(expected + 3).size();
     }
     EXPECT_EQ(log.all(), Texts{});
+}
+
+// The bye could be lost with the connection if the client reset it at once.
+TEST_F(Crowd, ADisconnectWaitsForTheFrameToCloseAfterTheBye) {
+    timings.byeLimit = patience;
+    frame.setScript([](RawMessage const& message) {
+        return message.type == Type::Bye ? std::optional(std::string()) : std::nullopt;
+    });
+    listenAndConnect();
+    auto leaving = std::async(std::launch::async, [this] { return client().disconnect(); });
+    ASSERT_TRUE(frame.waitFor("bye"));
+    EXPECT_EQ(leaving.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    frame.closeConnection();
+    ASSERT_EQ(leaving.wait_for(patience / 2), std::future_status::ready);
+    EXPECT_TRUE(leaving.get());
+    EXPECT_FALSE(frame.endedByReset());
+}
+
+TEST_F(Crowd, ACallbackThatGoesDuringItsCallMayUseTheClient) {
+    listenAndConnect();
+    auto const other = enroll();
+    auto const go = [&](RecordingCallback* leaving) {
+        delete leaving;
+        client().unregisterCallback(other);
+        client().disconnect();
+    };
+    boost::shared_ptr<RecordingCallback> last(new RecordingCallback, go);
+    unsigned short own = 0;
+    last->onNews = [&](std::string const&) { client().unregisterCallback(own); };
+    own = enroll(last);
+    last.reset();
+    frame.send(update(own, 1));
+    EXPECT_TRUE(frame.waitForEnd());
+    client().close();
+    EXPECT_EQ(client().getConnectionState(), eNotConnected);
 }
 
 }  // namespace

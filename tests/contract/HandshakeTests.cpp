@@ -177,7 +177,8 @@ TEST_F(Handshake, AWelcomeMayComeByteByByte) {
     EXPECT_EQ(setNumber(1), eStatusOk);
 }
 
-TEST_F(Handshake, NewsInOnePieceWithTheWelcomeIsHeard) {
+TEST_F(Handshake, NewsInOnePieceWithTheWelcomeIsHeardAtOnce) {
+    timings.pingAfter = timings.silenceLimit = 600s;  // no other message to bring it along
     auto const id = enroll();
     Ending const ending(*this);
     frame.setScript([&](RawMessage const& message) {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <sys/socket.h>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -56,6 +57,30 @@ TEST_F(Heartbeat, SoItIsWhileOthersAreSending) {
     EXPECT_EQ(first.get(), eStatusNotConnected);
     EXPECT_EQ(second.get(), eStatusNotConnected);
     EXPECT_EQ(log.all().size(), 1U);
+}
+
+// A ping that waited for the sender's turn would keep the reading thread from reading.
+TEST_F(Heartbeat, NewsIsHeardWhileASenderIsStuck) {
+    timings.pingAfter = 5ms;
+    timings.silenceLimit = timings.writeLimit = 600s;
+    auto const id = enroll();
+    listenAndConnect();
+    client().setSendTimeOut(0);
+    frame.freeze();
+    std::atomic<int> sent{0};
+    auto stuck = std::async(std::launch::async, [&] {
+        std::string const text(60000, 'x');
+        while (client().set(PIDType(7), 1, eSetAbsolute, text.c_str(), 0) == eStatusOk)
+            ++sent;
+    });
+    for (int before = -1; before != sent;) {
+        before = sent;
+        std::this_thread::sleep_for(100ms);  // it is stuck when nothing has happened for so long
+    }
+    frame.send(update(id, 1));
+    EXPECT_EQ(heard->waitFor(1).size(), 1U);
+    frame.cut();
+    stuck.get();
 }
 
 TEST_F(Heartbeat, AFrameThatNeverAnswersTheGreetingIsGivenUpAfterASecond) {

@@ -204,6 +204,27 @@ TEST_F(Logging, LinesOfSeveralThreadsComeOneAtATime) {
     }
 }
 
+TEST_F(Logging, LevelsSinksAndCategoriesMayChangeWhileOthersWrite) {
+    std::atomic<bool> stop{false};
+    std::atomic<int> written{0};
+    auto write = std::async(std::launch::async, [&] {
+        for (; !stop; ++written)
+            manager().getCategory(name + std::to_string(written % 10)).getErrorStream() << written;
+    });
+    for (int round = 0; round < 200 || written < 200; ++round) {
+        std::atomic<bool> mine{true};
+        auto const other = manager().addSink([&](LogLine const&) { EXPECT_TRUE(mine); });
+        manager().setLevel(name + std::to_string(round % 10),
+                           round % 2 == 0 ? LogLevel::Off : LogLevel::Debug);
+        manager().setDefaultLevel(round % 2 == 0 ? LogLevel::Debug : LogLevel::Info);
+        manager().removeSink(other);
+        mine = false;
+    }
+    stop = true;
+    write.get();
+    EXPECT_EQ(lines, Texts{});
+}
+
 std::string contents(std::filesystem::path const& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

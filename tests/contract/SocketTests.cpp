@@ -65,6 +65,9 @@ class NoDescriptors {
     rlimit before{};
 };
 
+// That sanitizer looks at objects through a pipe, and takes every one for a wrong one while there
+// is no descriptor to be had.
+#ifndef QFD_UNDEFINED_SANITIZER
 class Shortage : public StandInTest {};
 
 TEST_F(Shortage, WithoutADescriptorThereIsNoConnectionAndNobodyHangs) {
@@ -80,5 +83,6 @@ TEST_F(Shortage, WithoutADescriptorThereIsNoConnectionAndNobodyHangs) {
     EXPECT_TRUE(connect());
     EXPECT_EQ(setNumber(1), eStatusOk);
 }
+#endif
 
 }  // namespace

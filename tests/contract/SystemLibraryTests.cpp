@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
+#include <string>
 
 namespace {
 
@@ -16,6 +18,17 @@ TEST(Path, KnowsTheWorkingDirectory) {
     std::filesystem::current_path("/");
     EXPECT_EQ(sal::Path::getCurrentWorkingDirPath().text(), "/");
     std::filesystem::current_path(before);
+}
+
+TEST(Path, IsEmptyWhereTheWorkingDirectoryIsGone) {
+    auto const before = std::filesystem::current_path();
+    auto form = (std::filesystem::temp_directory_path() / "qfd-gone-XXXXXX").string();
+    ASSERT_NE(mkdtemp(form.data()), nullptr);
+    std::filesystem::current_path(form);
+    std::filesystem::remove(form);
+    auto const path = sal::Path::getCurrentWorkingDirPath();
+    std::filesystem::current_path(before);
+    EXPECT_EQ(path.text(), "");
 }
 
 TEST(Path, IsTheTextItWasGiven) {

@@ -30,15 +30,6 @@ void Installation::remove(std::string const& name) const {
         throw std::runtime_error("there is no " + name);
 }
 
-void Installation::replace(std::string const& name, std::string_view before,
-                           std::string_view after) const {
-    auto content = read(name);
-    auto const at = content.find(before);
-    if (at == std::string::npos)
-        throw std::runtime_error(name + " doesn't hold " + std::string(before));
-    write(name, content.replace(at, before.size(), after));
-}
-
 void Installation::setSetting(std::string_view name, std::string_view value) const {
     auto content = read(settingsFile);
     auto const key = content.find("<name>" + std::string(name) + "</name>");
@@ -72,9 +63,8 @@ void Installation::useDictionaries(std::string const& toFrame, std::string const
     };
     write("Configuration/Own/ToFrame.xml", dictionary(toFrame));
     write("Configuration/Own/ToPanel.xml", dictionary(toPanel));
-    write("Configuration/Own/Fids.xml",
-          document("fidRegistrationList", "FIDRegistration", "../Schemas/FIDRegistrationList.xsd",
-                   fids));
+    write("Configuration/Own/Fids.xml", document("fidRegistrationList", "FIDRegistration",
+                                                 "../Schemas/FIDRegistrationList.xsd", fids));
     write("Configuration/Own/Subs.xml",
           document("subscriptionList", "Subscriptions", "../Schemas/CPLSubscriptionList.xsd",
                    subscriptions));

@@ -13,8 +13,6 @@ class Installation : public WorkingDirectory {
     explicit Installation(std::string const& frameAddress);
 
     void remove(std::string const& name) const;
-    /// Replaces the first `before` in a file; throws if there is none.
-    void replace(std::string const& name, std::string_view before, std::string_view after) const;
     void setFrameAddress(std::string const& address) const;
     /// In milliseconds.
     void setTimeOut(int time) const;

@@ -3,6 +3,9 @@
 #include "platform/logging/LogManager.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -37,6 +40,13 @@ class LogCapture {
         auto const all = lines();
         return std::find(all.begin(), all.end(), line) != all.end();
     }
+    /// Waits until the line has come so often; false if the time runs out first.
+    bool waitFor(std::string const& line, std::size_t times, std::chrono::seconds atMost) const {
+        std::unique_lock guard(lock);
+        return grown.wait_for(guard, atMost, [&] {
+            return std::count(kept.begin(), kept.end(), line) >= static_cast<long>(times);
+        });
+    }
 
   private:
     struct Logging {
@@ -51,11 +61,13 @@ class LogCapture {
             return;
         std::lock_guard const guard(lock);
         kept.push_back(std::string(names[static_cast<int>(line.level)]) + ": " + line.text);
+        grown.notify_all();
     }
 
     std::string const category;
     Logging::LogManager::SinkId sink;
     mutable std::mutex lock;
+    mutable std::condition_variable grown;
     std::vector<std::string> kept;
 };
 
