@@ -1,173 +1,141 @@
 // How long a FID takes to the frame and back as an acknowledgement, and a change at the frame to
-// the panel's sink, next to a bare TCP round trip, all over loopback and in one run.
+// the panel's sink, each next to a bare TCP connection with the same threads. All over loopback,
+// taking turns in one run; nothing is pinned to a processor.
 //
 //     bench_road [rounds]
 
+#include "bench/road/BareLink.h"
 #include "sims/frame/FrameServer.h"
 #include "sims/frame/ModelFile.h"
 #include "sims/panel/PanelHost.h"
+#include "tests/support/LoopbackAddress.h"
+#include "tests/support/WorkingDirectory.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
-#include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <stdlib.h>
 #include <string>
-#include <sys/socket.h>
-#include <thread>
-#include <unistd.h>
 #include <vector>
 
+namespace bench {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using FrameDriver::Testing::LoopbackAddress;
+using FrameDriver::Testing::WorkingDirectory;
 using Microseconds = std::vector<double>;
-namespace fs = std::filesystem;
 
 constexpr std::chrono::seconds patience{20};
+constexpr int warmUp = 100;
 
 template <typename Action>
-double timed(Action action) {
+void time(Microseconds& figures, Action action) {
     auto const start = Clock::now();
     action();
-    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+    figures.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
 }
 
 double quantile(Microseconds figures, double part) {
-    std::sort(figures.begin(), figures.end());
-    return figures[static_cast<std::size_t>(part * static_cast<double>(figures.size() - 1))];
+    auto const place = static_cast<long>(part * static_cast<double>(figures.size() - 1));
+    std::nth_element(figures.begin(), figures.begin() + place, figures.end());
+    return figures[static_cast<std::size_t>(place)];
 }
 
-void noDelay(int fd) {
-    int const on = 1;
-    setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+/// Turns the working directory into an installation whose frame is at the address.
+void install(WorkingDirectory const& here, std::string const& frameAddress) {
+    std::filesystem::copy(QFD_INSTALLATION, here.path(), std::filesystem::copy_options::recursive);
+    std::string const file = "Configuration/Settings.xml";
+    auto text = here.read(file);
+    auto const value = text.find("<value>", text.find("Simulator Frame Address")) + 7;
+    text.replace(value, text.find("</value>", value) - value, frameAddress);
+    here.write(file, text);
 }
 
-/// Sixty-four bytes there and back, a thread on each side.
-Microseconds bareRoundTrips(int rounds) {
-    int const listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in end{};
-    end.sin_family = AF_INET;
-    end.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof end;
-    ::bind(listener, reinterpret_cast<sockaddr*>(&end), size);
-    ::listen(listener, 1);
-    getsockname(listener, reinterpret_cast<sockaddr*>(&end), &size);
-    std::thread echo([listener] {
-        int const peer = ::accept(listener, nullptr, nullptr);
-        noDelay(peer);
-        std::array<char, 64> bytes;
-        while (::recv(peer, bytes.data(), bytes.size(), MSG_WAITALL) == 64)
-            if (::send(peer, bytes.data(), bytes.size(), 0) != 64)
-                break;
-        ::close(peer);
-    });
-    int const fd = ::socket(AF_INET, SOCK_STREAM, 0);
-    Microseconds figures;
-    std::array<char, 64> bytes{};
-    if (::connect(fd, reinterpret_cast<sockaddr*>(&end), size) == 0) {
-        noDelay(fd);
-        for (int i = 0; i < rounds; ++i)
-            figures.push_back(timed([&] {
-                if (::send(fd, bytes.data(), bytes.size(), 0) != 64 ||
-                    ::recv(fd, bytes.data(), bytes.size(), MSG_WAITALL) != 64)
-                    std::abort();
-            }));
-    }
-    ::close(fd);
-    echo.join();
-    ::close(listener);
-    return figures;
-}
-
-/// The sample installation in a directory of its own, with the frame's address in its settings.
-class Installation {
-  public:
-    explicit Installation(std::string const& frameAddress) {
-        auto name = (fs::temp_directory_path() / "qfd-bench-XXXXXX").native();
-        if (!mkdtemp(name.data()))
-            std::abort();
-        directory = name;
-        fs::copy(QFD_INSTALLATION, directory, fs::copy_options::recursive);
-        auto const path = directory / "Configuration/Settings.xml";
-        std::ifstream in(path, std::ios::binary);
-        std::string text{std::istreambuf_iterator<char>(in), {}};
-        auto const value =
-            text.find("<value>", text.find("<name>Simulator Frame Address</name>")) + 7;
-        text.replace(value, text.find("</value>", value) - value, frameAddress);
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    ~Installation() {
-        std::error_code ignored;
-        fs::remove_all(directory, ignored);
-    }
-    Installation(Installation const&) = delete;
-    Installation& operator=(Installation const&) = delete;
-
-    fs::path directory;
-};
-
-bool waitForSid(PanelSim::PanelHost& panel, std::string const& name, std::string const& value) {
-    return panel.record().wait({PanelSim::Heard::sid, name, value, {}}, patience);
-}
-
-void print(char const* what, Microseconds const& figures, Microseconds const& bare) {
-    auto const median = quantile(figures, 0.5);
-    auto const worst = quantile(figures, 0.99);
-    std::printf("%-44s %9.1f %9.1f %9.2f %9.2f\n", what, median, worst,
-                median / quantile(bare, 0.5), worst / quantile(bare, 0.99));
-}
-
-int measure(int rounds) {
-    auto const address = "127.77." + std::to_string(::getpid() / 250 % 250) + "." +
-                         std::to_string(::getpid() % 250 + 1);
-    Installation const installation(address);
+FrameSim::FrameServerOptions frameOptions(std::string const& address) {
     FrameSim::FrameServerOptions options;
     options.address = address;
     options.port = 5000;
     options.model = FrameSim::sampleSwitcher();
     options.recordLimit = 16;
-    FrameSim::FrameServer frame(options);
-    frame.start();
-    PanelSim::PanelHost panel({QFD_MODULE, installation.directory.native(), 0, address});
-    panel.start();
-    if (!waitForSid(panel, "FRAME.CONNECTED", "ON")) {
-        std::fprintf(stderr, "bench_road: the panel doesn't connect\n");
-        return 1;
+    return options;
+}
+
+/// Panel and frame, joined.
+class Road {
+  public:
+    Road() {
+        install(here, frameAddress.text());
+        frame.start();
+        panel.start();
+        waitFor("FRAME.CONNECTED", "ON");
     }
-    auto const bare = bareRoundTrips(rounds);
-    Microseconds toFrame;
-    Microseconds toPanel;
-    for (int i = 0; i < rounds; ++i) {
+
+    /// Returns when the frame has acknowledged.
+    void raise(std::string const& source) { panel.raise("ME2.PST.SRC" + source, {}); }
+    void settle(std::string const& source) { waitFor("ME2.PST.SOURCE", source); }
+    void changeRate(int rate) {
+        frame.frame().set({31, 0x03000001}, 0,
+                          FrameSim::Value::ofInteger(FrameSim::DataType::UInt16, rate));
+        waitFor("ME2.RATE.FIELDS", std::to_string(rate));
+    }
+
+  private:
+    void waitFor(std::string const& sid, std::string const& value) {
+        if (panel.record().wait({PanelSim::Heard::sid, sid, value, {}}, patience))
+            return;
+        std::fprintf(stderr, "bench_road: no SID %s = %s\n", sid.c_str(), value.c_str());
+        std::exit(1);
+    }
+
+    LoopbackAddress frameAddress;
+    LoopbackAddress panelAddress;
+    WorkingDirectory here;
+    FrameSim::FrameServer frame{frameOptions(frameAddress.text())};
+    PanelSim::PanelHost panel{{QFD_MODULE, here.path(), 0, panelAddress.text()}};
+};
+
+struct Figures {
+    Microseconds bareAnswer, answer, bareNews, news;
+};
+
+Figures measure(int rounds) {
+    Road road;
+    BareLink bare;
+    Figures figures;
+    for (int i = 0; i < rounds + warmUp; ++i) {
+        if (i == warmUp)
+            figures = {};
         auto const source = std::to_string(i % 2 + 3);
-        toFrame.push_back(timed([&] { panel.raise("ME2.PST.SRC" + source, {}); }));
-        waitForSid(panel, "ME2.PST.SOURCE", source);
+        time(figures.bareAnswer, [&] { bare.ask(); });
+        time(figures.answer, [&] { road.raise(source); });
+        road.settle(source);
+        time(figures.bareNews, [&] { bare.waitForNews(); });
+        time(figures.news, [&] { road.changeRate(i % 2 + 60); });
     }
-    for (int i = 0; i < rounds; ++i) {
-        auto const rate = i % 2 + 60;
-        toPanel.push_back(timed([&] {
-            frame.frame().set({31, 0x03000001}, 0,
-                              FrameSim::Value::ofInteger(FrameSim::DataType::UInt16, rate));
-            waitForSid(panel, "ME2.RATE.FIELDS", std::to_string(rate));
-        }));
-    }
-    std::printf("%-44s %9s %9s %9s %9s\n", "microseconds", "median", "p99", "x median", "x p99");
-    print("bare TCP round trip, 64 bytes", bare, bare);
-    print("FID to frame, acknowledged", toFrame, bare);
-    print("change at the frame to SID at the sink", toPanel, bare);
-    panel.stop();
-    return 0;
+    return figures;
+}
+
+void print(char const* what, Microseconds const& figures, Microseconds const& bare) {
+    auto const median = quantile(figures, 0.5);
+    auto const late = quantile(figures, 0.99);
+    std::printf("%-46s %8.1f %8.1f %9.2f %7.2f\n", what, median, late, median / quantile(bare, 0.5),
+                late / quantile(bare, 0.99));
+}
+
+void print(Figures const& figures) {
+    std::printf("%-46s %8s %8s %9s %7s\n", "microseconds", "median", "p99", "x median", "x p99");
+    print("bare TCP: there and back", figures.bareAnswer, figures.bareAnswer);
+    print("FID to the frame, acknowledged", figures.answer, figures.bareAnswer);
+    print("bare TCP: news to the thread that takes them", figures.bareNews, figures.bareNews);
+    print("change at the frame to SID at the sink", figures.news, figures.bareNews);
 }
 
 }  // namespace
+}  // namespace bench
 
 int main(int count, char** arguments) {
     auto const rounds = count > 1 ? std::atoi(arguments[1]) : 2000;
-    return measure(std::max(rounds, 10));
+    bench::print(bench::measure(std::max(rounds, 10)));
 }

@@ -18,8 +18,8 @@ class LoopbackAddress {
   public:
     /// Throws std::runtime_error if nothing is free.
     LoopbackAddress() {
-        // 127.100.0.1 to 127.211.255.255; where to begin goes by the process, to meet nobody.
-        auto const first = 0x7F640001U + (static_cast<std::uint32_t>(::getpid()) % 0x6F00U) * 256U;
+        // 127.200.0.1 to 127.252.255.254; where to begin goes by the process, to meet nobody.
+        auto const first = 0x7FC80001U + (static_cast<std::uint32_t>(::getpid()) % 0x3500U) * 256U;
         for (auto candidate = first; candidate < first + 254; ++candidate) {
             if (reserve(candidate))
                 return;
