@@ -1,12 +1,8 @@
 #include "AuthorInput.h"
 
-#include "Output.h"
 #include "foundation/Exceptions.h"
 #include "xml/XMLUtilities.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -25,8 +21,6 @@ void forEachText(std::vector<std::string> const& texts,
         return;
     for (std::string line; std::getline(std::cin, line);)
         each(line, ++count);
-    if (std::ferror(stdin))
-        throw InputError(std::string("cannot read standard input: ") + std::strerror(errno));
 }
 
 std::string currentExceptionText() {
@@ -67,9 +61,6 @@ std::string onOneLine(std::string_view result) {
     }
     return line;
 }
-
-// "-" is standard input to other commands; the parsers know it for a file's name.
-void requireFile(std::string const& path) { readInput(path == "-" ? "./-" : path); }
 
 XMLLibrary::XMLLibrary() {
     try {

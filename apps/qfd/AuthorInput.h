@@ -12,8 +12,7 @@
 namespace qfd {
 
 /// Calls `each` for every text given, or, if none is, for every line of standard input, without
-/// its newline; a last line without one counts. `line` counts from 1. Throws InputError if
-/// standard input can't be read.
+/// its newline; a last line without one counts. `line` counts from 1.
 void forEachText(std::vector<std::string> const& texts,
                  std::function<void(std::string_view text, std::size_t line)> const& each);
 
@@ -25,9 +24,6 @@ void fillContext(FrameDriver::Template::ContextStore& store, std::vector<std::st
 
 /// A result on one line: a line feed as "\x0a", a backslash as "\x5c", all else as it is.
 std::string onOneLine(std::string_view result);
-
-/// Throws InputError, with the system's reason, if there is no such file that can be read.
-void requireFile(std::string const& path);
 
 /// The XML library, for as long as it lives. Throws InputError if it can't be started.
 class XMLLibrary {

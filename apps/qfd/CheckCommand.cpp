@@ -7,8 +7,6 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-
 using FrameDriver::XML::DictionaryFinding;
 
 namespace qfd {
@@ -35,23 +33,14 @@ void print(std::string const& path, DictionaryFinding const& finding, bool json)
     printLine(text);
 }
 
-int checkOne(std::string const& path, bool json) {
-    requireFile(path);  // a file that isn't there is no finding
-    auto const findings = FrameDriver::XML::checkDictionary(path);
-    for (auto const& finding : findings)
-        print(path, finding, json);
-    return findings.empty() ? exitGood : exitCheckFailed;
-}
-
 int run(Options const& options) {
     XMLLibrary const library;
-    int code = exitGood;
+    auto code = exitGood;
     for (auto const& path : options.files) {
-        try {
-            code = std::max(code, checkOne(path, options.json));
-        } catch (InputError const& error) {
-            printError("check", error.what());
-            code = exitBadUsage;
+        readInput(path);  // a file that isn't there is no finding
+        for (auto const& finding : FrameDriver::XML::checkDictionary(path)) {
+            print(path, finding, options.json);
+            code = exitCheckFailed;
         }
     }
     return code;
@@ -59,7 +48,7 @@ int run(Options const& options) {
 
 constexpr char footer[] =
     "\nThe driver passes over what it doesn't understand in a dictionary; this says what that is,\n"
-    "and where. Exit code 1 if there is anything to say, 2 if a file can't be read.\n"
+    "and where. Exit code 1 if there is anything to say.\n"
     "\nExample:\n"
     "  qfd check installation/Configuration/*/To*.xml";
 

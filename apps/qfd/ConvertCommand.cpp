@@ -8,7 +8,6 @@
 #include "conversion/TemplateConversionCollection.h"
 #include "conversion/TemplateConversionCollectionParser.h"
 #include "template/ContextStore.h"
-#include "xml/LocatedDocument.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -32,34 +31,19 @@ struct Options {
     bool json = false;
 };
 
-std::string withoutNewline(std::string text) {
-    while (text.ends_with('\n'))
-        text.pop_back();
-    return text;
-}
-
-/// The place, if the checker finds one, is worth more than the loader's own words. A value that
-/// blocks the link is fatal too, but doesn't keep a file from being loaded.
+/// The place, if the checker finds one, is worth more than the loader's own words.
 std::string whyNotLoaded(std::string const& path, std::string const& loadersWords) {
-    auto const findings = checkDictionary(path);
-    auto const cause = std::find_if(findings.begin(), findings.end(), [](auto const& finding) {
-        return finding.severity == DictionaryFinding::fatal &&
-               finding.cause.find("blocks the driver's link") == std::string::npos;
-    });
-    return cause == findings.end() ? loadersWords : withoutNewline(toText(path, *cause));
-}
-
-/// Throws InputError with the place for a file that isn't well-formed.
-void requireWellFormed(std::string const& path) {
-    LocatedDocument const document(path);
-    if (auto const& complaint = document.complaint())
-        throw InputError(withoutNewline(
-            toText(path, {DictionaryFinding::fatal, complaint->position, complaint->message,
-                          document.line(complaint->position.line)})));
+    for (auto const& finding : checkDictionary(path))
+        if (finding.severity == DictionaryFinding::fatal) {
+            auto text = toText(path, finding);
+            while (text.ends_with('\n'))
+                text.pop_back();
+            return text;
+        }
+    return loadersWords;
 }
 
 void load(std::string const& path, TemplateConversionCollection& target) {
-    requireFile(path);
     try {
         TemplateConversionCollectionParser parser;
         target.merge(parser.parseFile(path, ValidationMode::None));
@@ -68,26 +52,19 @@ void load(std::string const& path, TemplateConversionCollection& target) {
     }
 }
 
-FrameDriver::Tools::Manifest readManifest(std::string const& path) {
-    try {
-        return ManifestParser().parseFile(path, ValidationMode::Schema);
-    } catch (...) {
-        throw InputError(currentExceptionText());
-    }
-}
-
 std::vector<std::string> filesOf(Options const& options) {
     if (options.manifest.empty())
         return options.dictionaries;
-    requireFile(options.manifest);
-    requireWellFormed(options.manifest);
-    auto const manifest = readManifest(options.manifest);
-    auto files = options.direction == "fid" ? manifest.getFidToCPLDictionaries()
-                                            : manifest.getIssueToSIDDictionaries();
-    std::erase(files, "");  // a module without that kind of dictionary
-    if (files.empty())
-        throw InputError(options.manifest + ": names no dictionary of this direction");
-    return files;
+    try {
+        ManifestParser parser;
+        auto const manifest = parser.parseFile(options.manifest, ValidationMode::Schema);
+        auto files = options.direction == "fid" ? manifest.getFidToCPLDictionaries()
+                                                : manifest.getIssueToSIDDictionaries();
+        std::erase(files, "");  // a module without that kind of dictionary
+        return files;
+    } catch (...) {
+        throw InputError(currentExceptionText());
+    }
 }
 
 void applyContext(std::vector<std::string> const& results, ContextStore& store) {
@@ -145,9 +122,8 @@ constexpr char footer[] =
     "\nFor each text a line with the number of results, then the results, one a line. In a result\n"
     "a line feed is written \\x0a and a backslash \\x5c. An exception is a line that begins\n"
     "with ! in place of the number.\n"
-    "\nTexts behind several dictionaries stand behind --.\n"
     "\nExample, from the installation's folder:\n"
-    "  printf 'FID: id=MEMORY.RECALL, data=[REG=10\\222\\n' |\n"
+    "  printf 'FID: id=PANEL.ME1.CUT, data=[\\222\\n' |\n"
     "    qfd convert --manifest Configuration/SimulatorManifest.xml --direction fid";
 
 }  // namespace
@@ -157,10 +133,9 @@ void addConvertCommand(CLI::App& program, Job& job) {
     auto* const command =
         program.add_subcommand("convert", "Convert texts by dictionaries, as the driver does");
     auto* const files =
-        command
-            ->add_option("--dictionary", options->dictionaries,
-                         "Dictionary files, all up to the next option or --; may repeat")
-            ->type_name("FILE");
+        command->add_option("--dictionary", options->dictionaries, "Dictionary file; may repeat")
+            ->type_name("FILE")
+            ->allow_extra_args(false);
     auto* const manifest =
         command->add_option("--manifest", options->manifest, "All dictionaries of a manifest")
             ->type_name("FILE")

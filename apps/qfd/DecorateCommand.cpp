@@ -9,7 +9,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <optional>
 
 using FrameDriver::Template::ContextStore;
 using FrameDriver::Template::decoratorTable;
@@ -19,7 +18,7 @@ namespace qfd {
 namespace {
 
 struct Options {
-    std::optional<std::string> words;
+    std::string words;
     std::vector<std::string> values;
     std::vector<std::string> context;
     bool list = false;
@@ -41,22 +40,6 @@ std::string unknownWord(std::string_view words) {
     }
 }
 
-/// The first closing brace that would end the variable early, or the last opening one that keeps
-/// it open; npos if each has its partner.
-std::size_t looseBrace(std::string_view words) {
-    std::vector<std::size_t> open;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == '{')
-            open.push_back(i);
-        if (words[i] != '}')
-            continue;
-        if (open.empty())
-            return i;
-        open.pop_back();
-    }
-    return open.empty() ? std::string::npos : open.back();
-}
-
 class Decorating {
   public:
     explicit Decorating(Options const& given) : options(given) {
@@ -65,9 +48,7 @@ class Decorating {
 
     void decorate(std::string const& words, std::string_view value, std::size_t line) {
         if (words.empty())
-            return complain(line, 1, "the word is missing");
-        if (auto const brace = looseBrace(words); brace != std::string::npos)
-            return complain(line, brace + 1, "a brace without its partner");
+            return complain(line, 1, "a line is WORD, tab, VALUE");
         if (auto const word = unknownWord(words); !word.empty())
             return complain(line, words.find(word) + 1,
                             "'" + escaped(word) + "' is no decorator; --list shows them all");
@@ -77,12 +58,6 @@ class Decorating {
         } catch (...) {
             print(words, value, "error", currentExceptionText());
         }
-    }
-    void decorateLine(std::string_view text, std::size_t line) {
-        auto const tab = text.find('\t');
-        if (tab == std::string_view::npos)
-            return complain(line, 1, "a line is WORD, tab, VALUE");
-        decorate(std::string(text.substr(0, tab)), text.substr(tab + 1), line);
     }
     int exitCode() const { return bad ? exitBadUsage : exitGood; }
 
@@ -126,11 +101,17 @@ int run(Options const& options) {
     if (options.list)
         return printList(options.json);
     Decorating decorating(options);
-    forEachText(options.values, [&](std::string_view text, std::size_t line) {
-        if (options.words)
-            decorating.decorate(*options.words, text, line);
-        else
-            decorating.decorateLine(text, line);
+    if (!options.words.empty()) {
+        forEachText(options.values, [&](std::string_view value, std::size_t line) {
+            decorating.decorate(options.words, value, line);
+        });
+        return decorating.exitCode();
+    }
+    forEachText({}, [&](std::string_view line, std::size_t number) {
+        auto const tab = line.find('\t');
+        bool const whole = tab != std::string_view::npos;
+        decorating.decorate(whole ? std::string(line.substr(0, tab)) : "",
+                            whole ? line.substr(tab + 1) : "", number);
     });
     return decorating.exitCode();
 }
@@ -138,7 +119,7 @@ int run(Options const& options) {
 constexpr char footer[] =
     "\nWords are joined by | and applied from left to right. Without WORD, standard input has\n"
     "lines of WORD, tab, VALUE; with WORD alone, lines of VALUE. An exception is printed as a\n"
-    "line that begins with !. A value that begins with - and is no number stands behind --.\n"
+    "line that begins with !.\n"
     "\nExamples:\n"
     "  qfd decorate 'increment|width=3,padding=0' 7\n"
     "  qfd decorate format:seconds_to_frames 1.5 --context VIDEO.FRAMERATE=25";

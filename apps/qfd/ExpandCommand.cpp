@@ -7,8 +7,6 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-using FrameDriver::XML::expandForm;
-
 namespace qfd {
 namespace {
 
@@ -17,30 +15,8 @@ struct Options {
     bool json = false;
 };
 
-bool isRange(std::string_view text) {
-    try {
-        expandForm(std::string(text));
-        return true;
-    } catch (...) {
-        currentExceptionText();  // which disposes of exceptions that come as pointers
-        return false;
-    }
-}
-
-/// Where the first bracket opens that can't be read by itself; if each can, the first of all.
-std::size_t columnOfMistake(std::string_view text) {
-    auto const first = text.find('(');
-    for (auto open = first; open != std::string_view::npos; open = text.find('(', open + 1)) {
-        auto const close = text.find(')', open);
-        auto const end = close == std::string_view::npos ? close : close + 1 - open;
-        if (!isRange(text.substr(open, end)))
-            return open + 1;
-    }
-    return first + 1;
-}
-
 void expandOne(std::string_view text, bool json) {
-    auto const results = expandForm(std::string(text));
+    auto const results = FrameDriver::XML::expandForm(std::string(text));
     if (!json) {
         for (auto const& result : results)
             printLine(onOneLine(result));
@@ -59,9 +35,9 @@ int run(Options const& options) {
         try {
             expandOne(text, options.json);
         } catch (...) {
-            printError("expand", std::to_string(line) + ":" +
-                                     std::to_string(columnOfMistake(text)) + ": " +
-                                     currentExceptionText());
+            // The column is where the range opens: that is as much as the notation lets know.
+            printError("expand", std::to_string(line) + ":" + std::to_string(text.find('(') + 1) +
+                                     ": " + currentExceptionText());
             code = exitBadUsage;
         }
     });

@@ -98,9 +98,7 @@ Fields fieldsOf(Subscription const& message) {
                 {"number", std::to_string(list->getNumber())},
                 {"did", did(list->getDid())},
                 {"flag", std::to_string(list->getFlag())}};
-    // The client adds a batch to what it has, whatever the batch's own flag says.
-    Fields fields{{"kind", "subscribe to parameters"},
-                  {"flag", std::to_string(static_cast<int>(eSubscribeAppend))}};
+    Fields fields{{"kind", "subscribe to parameters"}, {"flag", "3"}};
     for (auto const* each : dynamic_cast<BatchSubscription const&>(message).viewSubscriptions())
         if (auto const* member = dynamic_cast<ParameterSubscription const*>(each))
             fields.emplace_back("pid and did",

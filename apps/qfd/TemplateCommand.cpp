@@ -8,7 +8,8 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
-using FrameDriver::Template::TemplateParser;
+#include <optional>
+
 using FrameDriver::Template::TemplateString;
 
 namespace qfd {
@@ -20,44 +21,21 @@ struct Options {
     bool json = false;
 };
 
-/// What is wrong with the template; empty if nothing is.
-std::string mistakeIn(std::string_view source) {
-    try {
-        TemplateParser::parse(source);
-        return "";
-    } catch (...) {
-        return currentExceptionText();
-    }
-}
-
-/// Where the group opens that makes it no template. Groups behind it don't matter, so they are
-/// added one by one until it breaks.
-std::size_t columnOfMistake(std::string_view source) {
-    auto open = source.find('{');
-    while (open != std::string_view::npos) {
-        auto const next = source.find('{', open + 1);
-        if (!mistakeIn(source.substr(0, next)).empty())
-            return open + 1;
-        open = next;
-    }
-    return 1;
-}
-
 TemplateString parse(std::string const& source) {
-    if (auto const mistake = mistakeIn(source); !mistake.empty())
-        throw InputError("1:" + std::to_string(columnOfMistake(source)) + ": '" + escaped(source) +
-                         "' is no template: " + mistake);
-    return TemplateParser::parse(source);
+    try {
+        return FrameDriver::Template::TemplateParser::parse(source);
+    } catch (...) {
+        throw InputError("'" + escaped(source) + "' is no template: " + currentExceptionText());
+    }
 }
 
 nlohmann::ordered_json examine(TemplateString const& pattern, std::string_view text) {
     nlohmann::ordered_json object;
     object["text"] = widened(text);
-    object["matches"] = false;
+    object["matches"] = pattern.matches(text);
     object["variables"] = nlohmann::ordered_json::object();
     object["prints"] = widened(pattern.toString());
     try {
-        object["matches"] = pattern.matches(text);
         if (object["matches"])
             for (auto const& [name, value] : pattern.extractVariables(text))
                 object["variables"][widened(name)] = widened(value);

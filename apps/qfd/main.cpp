@@ -1,4 +1,3 @@
-#include "Arguments.h"
 #include "CheckCommand.h"
 #include "Command.h"
 #include "ConvertCommand.h"
@@ -55,7 +54,7 @@ int main(int argc, char** argv) {
         add(program, job);
     }
     try {
-        qfd::parseArguments(program, argc, argv);
+        program.parse(argc, argv);
     } catch (CLI::ParseError const& outcome) {
         return report(program, outcome);
     }
