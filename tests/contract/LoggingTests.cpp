@@ -209,12 +209,13 @@ TEST_F(Logging, LevelsSinksAndCategoriesMayChangeWhileOthersWrite) {
     std::atomic<int> written{0};
     auto write = std::async(std::launch::async, [&] {
         for (; !stop; ++written)
-            manager().getCategory(name + std::to_string(written % 10)).getErrorStream() << written;
+            manager().getCategory(name + "/" + std::to_string(written % 10)).getErrorStream()
+                << written;
     });
     for (int round = 0; round < 200 || written < 200; ++round) {
         std::atomic<bool> mine{true};
         auto const other = manager().addSink([&](LogLine const&) { EXPECT_TRUE(mine); });
-        manager().setLevel(name + std::to_string(round % 10),
+        manager().setLevel(name + "/" + std::to_string(round % 10),
                            round % 2 == 0 ? LogLevel::Off : LogLevel::Debug);
         manager().setDefaultLevel(round % 2 == 0 ? LogLevel::Debug : LogLevel::Info);
         manager().removeSink(other);
