@@ -3,6 +3,7 @@
 #include "foundation/Exceptions.h"
 #include "foundation/TextSearch.h"
 #include "foundation/ValueConversions.h"
+#include "xml/RangeMarks.h"
 
 #include <cstdint>
 #include <string_view>
@@ -16,27 +17,6 @@ using Tools::cut;
 
 constexpr std::size_t none = std::string_view::npos;
 
-// A text that takes more replacements than this is a slip of the pen, and would take the
-// panel's memory or its time: the largest real range is a 16-bit field.
-constexpr std::size_t mostReplacements = std::size_t{1} << 20;
-
-/// Where the marks of a range stand. What isn't there is `none`, which the cuts take as it is.
-struct Range {
-    Range(std::string_view text, std::size_t openAt)
-        : open(openAt), close(text.find(')', openAt)), dash(text.find('-', openAt)) {}
-
-    std::string_view lower(std::string_view text, std::size_t skip) const {
-        return cut(text, open + skip, dash - (open + skip));
-    }
-    std::string_view upper(std::string_view text, std::size_t skip) const {
-        return cut(text, dash + skip, close - (dash + skip));
-    }
-
-    std::size_t open;
-    std::size_t close;
-    std::size_t dash;
-};
-
 class Expansion {
   public:
     void expand(std::string text, std::size_t start) {
@@ -44,15 +24,15 @@ class Expansion {
         if (open == none)
             texts.push_back(std::move(text));
         else if (open + 2 < text.size() && text[open + 2] == 'x')
-            expandHex(text, Range(text, open));
+            expandHex(text, RangeMarks(text, open, ')'));
         else
-            expandDecimal(text, Range(text, open));
+            expandDecimal(text, RangeMarks(text, open, ')'));
     }
 
     std::vector<std::string> texts;
 
   private:
-    void expandDecimal(std::string_view text, Range const& range) {
+    void expandDecimal(std::string_view text, RangeMarks const& range) {
         auto const lower = static_cast<std::uint32_t>(Tools::stringToInt32(range.lower(text, 1)));
         auto const upper = static_cast<std::uint32_t>(Tools::stringToInt32(range.upper(text, 1)));
         count(lower, upper);
@@ -61,7 +41,7 @@ class Expansion {
                     range.dash);
     }
 
-    void expandHex(std::string_view text, Range const& range) {
+    void expandHex(std::string_view text, RangeMarks const& range) {
         std::size_t const skip = text.substr(range.open + 1, 2) == "0x" ? 3 : 1;
         std::string_view const lowerText = range.lower(text, skip);
         std::uint32_t const lower = Tools::hexStringToUInt32(lowerText);
@@ -77,27 +57,23 @@ class Expansion {
     }
 
     void count(std::uint32_t lower, std::uint32_t upper) {
-        if (lower > upper)
-            return;
-        std::uint64_t const numbers = std::uint64_t{upper} - lower + 1;
-        if (numbers > mostReplacements - replacements)
-            throw IllegalArgumentException("A range stands for too many texts.");
-        replacements += numbers;
+        if (lower <= upper)
+            budget.take(std::uint64_t{upper} - lower + 1);
     }
 
     // Without its closing mark a range's suffix is the whole text with the range in it. Where the
     // next search overlooks that, the text stands; otherwise this would never end.
-    void replace(std::string_view text, Range const& range, std::string_view number,
+    void replace(std::string_view text, RangeMarks const& range, std::string_view number,
                  std::size_t start) {
         std::string next(text.substr(0, range.open));
         next += number;
         next += cut(text, range.close + 1);
-        if (range.close == none && next.find('(', start) != none)
+        if (!range.isClosed() && next.find('(', start) != none)
             throw IllegalArgumentException("A range has no closing bracket.");
         expand(std::move(next), start);
     }
 
-    std::size_t replacements = 0;
+    RangeBudget budget;
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "foundation/Exceptions.h"
 #include "foundation/TextSearch.h"
 #include "foundation/ValueConversions.h"
+#include "xml/RangeMarks.h"
 
 #include <cstdint>
 #include <string_view>
@@ -19,10 +20,6 @@ using Tools::cut;
 
 constexpr std::size_t none = std::string_view::npos;
 
-// A text that takes more replacements than this is a slip of the pen, and would take the
-// panel's memory or its time: the largest real range is a 16-bit field.
-constexpr std::size_t mostReplacements = std::size_t{1} << 20;
-
 struct Brackets {
     char open;
     char close;
@@ -32,39 +29,20 @@ struct Brackets {
 struct Expansion {
     Brackets brackets;
     std::list<std::string> texts{};
-    std::size_t replacements = 0;
+    RangeBudget budget{};
 };
 
 void expandAny(Expansion& expansion, std::string const& text, std::size_t position);
 
-/// Where the marks of a range stand. What isn't there is `none`, which the cuts take as it is.
-struct Range {
-    Range(std::string_view text, Brackets brackets, std::size_t openAt)
-        : open(openAt), close(text.find(brackets.close, openAt)), dash(text.find('-', openAt)) {}
-
-    std::string_view lower(std::string_view text, std::size_t skip) const {
-        return cut(text, open + skip, dash - (open + skip));
-    }
-    std::string_view upper(std::string_view text, std::size_t skip) const {
-        return cut(text, dash + skip, close - (dash + skip));
-    }
-
-    std::size_t open;
-    std::size_t close;
-    std::size_t dash;
-};
-
 // Without its closing mark a range's suffix would be the whole text with the range in it, and
 // the expansion would never end.
-void begin(Expansion& expansion, Range const& range, std::uint64_t numbers) {
-    if (range.close == none)
+void begin(Expansion& expansion, RangeMarks const& range, std::uint64_t numbers) {
+    if (!range.isClosed())
         throw IllegalArgumentException("A range has no closing bracket.");
-    if (numbers > mostReplacements - expansion.replacements)
-        throw IllegalArgumentException("A range stands for too many texts.");
-    expansion.replacements += numbers;
+    expansion.budget.take(numbers);
 }
 
-void expandWith(Expansion& expansion, std::string_view text, Range const& range,
+void expandWith(Expansion& expansion, std::string_view text, RangeMarks const& range,
                 std::string_view number) {
     std::string next(text.substr(0, range.open));
     next += number;
@@ -76,7 +54,7 @@ void expandHex(Expansion& expansion, std::string const& text, std::size_t positi
     std::size_t const open = text.find(expansion.brackets.open, position);
     if (open == none)
         return expansion.texts.push_back(text);
-    Range const range(text, expansion.brackets, open);
+    RangeMarks const range(text, open, expansion.brackets.close);
     std::size_t const skip = text.compare(open + 1, 2, "0x") == 0 ? 3 : 1;
     std::string_view const lowerText = range.lower(text, skip);
     std::uint64_t const lower = Tools::hexStringToUInt32(lowerText);
@@ -96,7 +74,7 @@ void expandDecimal(Expansion& expansion, std::string const& text, std::size_t po
     std::size_t const open = text.find(expansion.brackets.open, position);
     if (open == none)
         return expansion.texts.push_back(text);
-    Range const range(text, expansion.brackets, open);
+    RangeMarks const range(text, open, expansion.brackets.close);
     std::int64_t const lower = Tools::stringToInt32(range.lower(text, 1));
     std::int64_t const upper = Tools::stringToInt32(range.upper(text, 1));
     if (lower > upper)

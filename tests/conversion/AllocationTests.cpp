@@ -1,14 +1,6 @@
-// What the road of a FID may allocate in a conversion: the list of results and each result. Not
-// under a sanitizer, which has an allocator of its own.
+#include "tests/support/AllocationCount.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QFD_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QFD_SANITIZED
-#endif
-#ifndef QFD_SANITIZED
+#if QFD_COUNTS_ALLOCATIONS
 
 #include "conversion/TemplateConversionCollection.h"
 #include "template/ContextStore.h"
@@ -16,23 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <vector>
 
-namespace {
-thread_local std::size_t allocations = 0;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size != 0 ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+// What the road of a FID may allocate in a conversion: the list of results and each result.
 
 namespace FrameDriver::Conversion {
 namespace {
@@ -54,9 +33,9 @@ TEST(Allocations, AConversionAllocatesItsResultsAndTheirList) {
     for (int round = 0; round < 3; ++round) {
         for (auto const& text : texts) {
             for (int again = 0; again < 2; ++again) {
-                auto const before = allocations;
+                auto const before = Testing::allocations;
                 auto const results = collection.convert(text, &context);
-                auto const made = allocations - before;
+                auto const made = Testing::allocations - before;
                 if (round > 0) {
                     EXPECT_EQ(made, results.empty() ? 0U : 2U) << text;
                 }

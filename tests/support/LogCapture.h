@@ -47,6 +47,11 @@ class LogCapture {
             return std::count(kept.begin(), kept.end(), line) >= static_cast<long>(times);
         });
     }
+    /// Waits for so many lines of any text.
+    bool waitForCount(std::size_t count, std::chrono::seconds atMost) const {
+        std::unique_lock guard(lock);
+        return grown.wait_for(guard, atMost, [&] { return kept.size() >= count; });
+    }
 
   private:
     struct Logging {

@@ -1,14 +1,6 @@
-// What the road of a FID may allocate: its results and nothing else. Not under a sanitizer, which
-// has an allocator of its own.
+#include "tests/support/AllocationCount.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QFD_SANITIZED
-#endif
-#elif defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QFD_SANITIZED
-#endif
-#ifndef QFD_SANITIZED
+#if QFD_COUNTS_ALLOCATIONS
 
 #include "template/ContextStore.h"
 #include "template/TemplateParser.h"
@@ -16,31 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
-namespace {
-thread_local std::size_t allocations = 0;
-}
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size != 0 ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+// What the road of a FID may allocate: its results and nothing else.
 
 namespace FrameDriver::Template {
 namespace {
 
-template <class Call>
-std::size_t allocationsOf(Call call) {
-    auto const before = allocations;
-    call();
-    return allocations - before;
-}
+using Testing::allocationsOf;
 
 class Allocations : public ::testing::Test {
   protected:

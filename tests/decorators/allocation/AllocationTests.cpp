@@ -1,33 +1,20 @@
+#include "tests/support/AllocationCount.h"
+
+#if QFD_COUNTS_ALLOCATIONS
+
 #include "template/ContextStore.h"
 #include "template/DecoratorTable.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 // Decorators run for every FID and every issue: they must not allocate beyond the text that they
 // return, and nothing at all where that text fits into a string object.
-
-namespace {
-
-thread_local std::size_t allocations = 0;
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const memory = std::malloc(size))
-        return memory;
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace FrameDriver::Template {
 namespace {
@@ -68,9 +55,9 @@ class DecoratorAllocations : public testing::Test {
             SCOPED_TRACE(word);
             auto const decorator = make(word);
             std::string const input(value);
-            std::size_t const before = allocations;
+            std::size_t const before = Testing::allocations;
             std::string const output = decorator->decorate(input, &store);
-            std::size_t const counted = allocations - before;
+            std::size_t const counted = Testing::allocations - before;
             EXPECT_EQ(output, result);
             EXPECT_EQ(counted, expected);
         }
@@ -145,3 +132,5 @@ TEST_F(DecoratorAllocations, ALongResultTakesOne) {
 
 }  // namespace
 }  // namespace FrameDriver::Template
+
+#endif
