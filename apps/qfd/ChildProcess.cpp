@@ -28,6 +28,7 @@ std::array<int, 2> makePipe() {
 
 std::vector<char*> argumentsOf(std::vector<std::string> const& command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (auto const& word : command)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);

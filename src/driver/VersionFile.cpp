@@ -27,7 +27,7 @@ std::optional<VersionLine> readLine(std::FILE* file) {
 
 std::string readVersionText(std::string const& path, std::string_view compiledBuildNumber,
                             Brindlemoor::Utilities::Logging::LogCategory const& log) {
-    std::string const mismatch = "BUDDY BUILD";
+    std::string mismatch = "BUDDY BUILD";
     std::unique_ptr<std::FILE, CloseFile> const file(std::fopen(path.c_str(), "r"));
     if (!file) {
         log.getInfoStream() << "Failed to open version file '" << path << "'";
