@@ -1,5 +1,6 @@
 // The operations that run once per connection, and those that bring a connection about.
 #include "cpl/Subscription.h"
+#include "driver/CDSFParser.h"
 #include "driver/QuillaneQFD.h"
 #include "xml/SettingsKeys.h"
 
@@ -12,6 +13,7 @@ namespace SettingsKeys = FrameDriver::Tools::SettingsKeys;
 namespace {
 
 constexpr unsigned short framePort = 5000;
+constexpr char stateFile[] = "config/QISState.dsf";  // in the working directory
 
 std::string hoursAndMinutes(std::tm const& time) {
     char text[32];
@@ -77,4 +79,17 @@ void QuillaneQFD::registerFIDs() {
         functions->addFunction<QuillaneQFD>(name, this, &QuillaneQFD::handleFID);
 }
 
-void QuillaneQFD::resetPanel() { log.getInfoStream() << "Resetting the panel to a clean state."; }
+// The names in the file are the panel's own: no dictionary is asked, and it makes no difference
+// whether those are loaded yet.
+void QuillaneQFD::resetPanel() {
+    log.getInfoStream() << "Resetting the panel to a clean state.";
+    DsfFunctions unusedFunctions;
+    DsfStates unusedStates;
+    DsfAssignments assignments;
+    CDSFParser parser;
+    bool const opened = parser.load(stateFile, unusedFunctions, unusedStates, assignments, 0);
+    if (!opened || !functions)
+        return;
+    for (auto const& assignment : assignments)
+        functions->setState(assignment.name, assignment.value);
+}
