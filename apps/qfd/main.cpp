@@ -4,7 +4,9 @@
 #include "DecorateCommand.h"
 #include "DemoCommand.h"
 #include "DidCommand.h"
+#include "DsfCommand.h"
 #include "ExpandCommand.h"
+#include "ExpandLineCommand.h"
 #include "FrameCommand.h"
 #include "MessageCommand.h"
 #include "Output.h"
@@ -13,7 +15,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -22,13 +26,43 @@ constexpr void (*addCommands[])(CLI::App&, qfd::Job&) = {
     qfd::addDemoCommand,    qfd::addFrameCommand,  qfd::addPanelCommand,
     qfd::addConvertCommand, qfd::addDidCommand,    qfd::addTemplateCommand,
     qfd::addMessageCommand, qfd::addExpandCommand, qfd::addDecorateCommand,
-    qfd::addCheckCommand,
+    qfd::addCheckCommand,   qfd::addDsfCommand,    qfd::addExpandLineCommand,
+   
 };
 
 constexpr char helpFooter[] =
     "`qfd SUBCOMMAND --help` tells all about a subcommand.\n"
     "\nThe exit code is 0 when all went well, 1 when a check said no, and 2 when the command\n"
     "line or an input is wrong.";
+
+// To CLI11 an argument in brackets is a list, which it takes apart; here it is a text like any
+// other. One byte at its end hides it until the options have it.
+constexpr char shield = '\x01';
+
+/// The arguments as CLI11 wants a list of them: without the program's name, the last one first.
+std::vector<std::string> shielded(int argc, char** argv) {
+    std::vector<std::string> arguments(std::make_reverse_iterator(argv + argc),
+                                       std::make_reverse_iterator(argv + 1));
+    for (auto& text : arguments) {
+        if ((text.starts_with('[') && text.ends_with(']')) || text.ends_with(shield))
+            text.push_back(shield);
+    }
+    return arguments;
+}
+
+void unshieldOptions(CLI::App& program) {
+    CLI::Validator const unshield(
+        [](std::string& text) {
+            if (text.ends_with(shield))
+                text.pop_back();
+            return std::string();
+        },
+        "");
+    for (auto* const command : program.get_subcommands({})) {
+        for (auto* const option : command->get_options())
+            option->transform(unshield);
+    }
+}
 
 /// CLI11 has an exit code for each kind of mistake; to the user they are all one.
 int report(CLI::App const& program, CLI::ParseError const& outcome) {
@@ -53,8 +87,9 @@ int main(int argc, char** argv) {
     for (auto* const add : addCommands) {
         add(program, job);
     }
+    unshieldOptions(program);
     try {
-        program.parse(argc, argv);
+        program.parse(shielded(argc, argv));
     } catch (CLI::ParseError const& outcome) {
         return report(program, outcome);
     }
