@@ -14,10 +14,18 @@ constexpr std::size_t readSize = 65536;
 // A list goes out in messages of about this length: far below the protocol's bound, so that one
 // more item always fits.
 constexpr std::size_t payloadSize = 65536;
+constexpr std::chrono::milliseconds arrivalCheck{1};
+constexpr Lane connectionLane{Lane::Kind::connection};
 
 /// A value that came with a set, as a line shows it: by its type, or as the bytes it has.
 LineField::Content shownBytes(std::optional<Value> const& value, std::string_view bytes) {
     return value ? lineContent(*value) : LineField::Content(std::string(bytes));
+}
+
+void addFault(Line& line, std::string_view fault) {
+    if (!fault.empty()) {
+        line.add("fault", Word{std::string(fault)});
+    }
 }
 
 }  // namespace
@@ -28,12 +36,16 @@ ClientSession::ClientSession(SessionServices& server, std::uint32_t id,
       number(id),
       socket(std::move(accepted.socket)),
       peer(std::move(accepted.peer)),
-      connectedAt(now) {
+      connectedAt(now),
+      silent(services.faults.mute) {
     services.record.add(Line{.client = number, .what = "connected"}.add("from", Word{peer}));
 }
 
 std::optional<TimePoint> ClientSession::nextDue() const {
-    return held.empty() ? std::nullopt : std::optional(held.front().due);
+    if (silent) {
+        return std::nullopt;
+    }
+    return ending ? endCheck : held.nextDue();
 }
 
 Line ClientSession::summary() const {
@@ -45,18 +57,26 @@ Line ClientSession::summary() const {
 }
 
 void ClientSession::readSome() {
+    if (!wantsToRead()) {
+        close("closed by the panel");
+        return;
+    }
     std::string bytes;
     auto const transfer = receive(socket.get(), bytes, readSize);
     if (transfer.closed) {
         close(transfer.reason.empty() ? "closed by the panel" : "lost: " + transfer.reason);
         return;
     }
-    splitter.feed(bytes);
+    splitter.feed(std::string_view(bytes).substr(0, fromPanel.pass(bytes)));
     handleAll();
+    if (fromPanel.isCut()) {
+        writeSome(std::chrono::steady_clock::now());
+        endIfCut();
+    }
 }
 
 void ClientSession::handleAll() {
-    while (isOpen()) {
+    while (isOpen() && wantsToRead() && services.faults.mayRead()) {
         auto const message = splitter.next();
         if (!message) {
             break;
@@ -66,6 +86,8 @@ void ClientSession::handleAll() {
             close("garbage: message of type " + type);
         }
         services.publish(services.frame.takeChanges());
+        happening.client = number;
+        services.notice(std::exchange(happening, {}));
     }
     if (isOpen() && splitter.broken()) {
         close("garbage: message of impossible length");
@@ -80,19 +102,21 @@ bool ClientSession::handleFirst(cplwire::RawMessage const& message) {
         return false;
     }
     name = hello->name;
+    happening.kind = Happening::Kind::hello;
     services.record.add(received("hello").add("version", hello->protocolVersion).add("name", name));
     if (hello->protocolVersion != cplwire::version) {
         std::string const reason = "this frame speaks version " + std::to_string(cplwire::version);
         send(cplwire::Refusal{cplwire::version, reason}, sent("refusal").add("reason", reason),
-             message.sequence);
+             connectionLane, message.sequence);
         writeSome(TimePoint::max());
         close("another version of the protocol");
         return true;
     }
     welcomed = true;
     splitter.setLimit(cplwire::maximumLength);
-    send(cplwire::Welcome{cplwire::version, services.name},
-         sent("welcome").add("version", cplwire::version).add("name", services.name),
+    auto const version = services.faults.welcomeVersion.value_or(cplwire::version);
+    send(cplwire::Welcome{version, services.name},
+         sent("welcome").add("version", version).add("name", services.name), connectionLane,
          message.sequence);
     return true;
 }
@@ -136,6 +160,7 @@ bool ClientSession::handle(cplwire::RawMessage const& message) {
 
 void ClientSession::on(cplwire::Set const& message, std::uint32_t sequence) {
     auto const value = valueFromBytes(message.dataType, message.value);
+    happening = {Happening::Kind::set, number, message.pid, message.did};
     auto line = received("set");
     line.number("pid", message.pid).device(message.did).number("flag", message.flag);
     line.add("type", Word{typeName(message.dataType)});
@@ -147,6 +172,7 @@ void ClientSession::on(cplwire::Set const& message, std::uint32_t sequence) {
 }
 
 void ClientSession::on(cplwire::Event const& message, std::uint32_t sequence) {
+    happening = {Happening::Kind::event, number, message.eid, message.did};
     auto line = received("event");
     line.number("eid", message.eid).device(message.did).add("data", std::string(message.data));
     services.record.add(std::move(line));
@@ -156,6 +182,7 @@ void ClientSession::on(cplwire::Event const& message, std::uint32_t sequence) {
 void ClientSession::on(cplwire::SetList const& message, std::uint32_t sequence) {
     auto const* layout = findListLayout(message.lid);
     auto const fields = layout ? readFields(*layout, message.fields) : std::nullopt;
+    happening = {Happening::Kind::setlist, number, message.lid, message.did};
     auto line = received("setlist");
     line.number("action", message.action).number("lid", message.lid);
     line.number("number", message.number).device(message.did).number("itemId", message.itemId);
@@ -169,6 +196,7 @@ void ClientSession::on(cplwire::SetList const& message, std::uint32_t sequence) 
 }
 
 void ClientSession::on(cplwire::SubscribeParameter const& message, std::uint32_t sequence) {
+    happening = {Happening::Kind::subscribe, number, message.pid, message.did};
     auto line = received("subscribe");
     line.number("pid", message.pid).device(message.did);
     line.number("flag", message.flag).number("callback", message.callback);
@@ -182,6 +210,7 @@ void ClientSession::on(cplwire::SubscribeParameter const& message, std::uint32_t
 }
 
 void ClientSession::on(cplwire::SubscribeBatch const& message, std::uint32_t sequence) {
+    happening = {Happening::Kind::subscribe, number, 0, 0};
     auto line = received("subscribe");
     line.number("batch", static_cast<std::int64_t>(message.parameters.size()));
     line.number("flag", message.flag).number("callback", message.callback);
@@ -224,6 +253,7 @@ Outcome ClientSession::subscribe(std::vector<std::pair<std::int32_t, std::uint32
 }
 
 void ClientSession::on(cplwire::SubscribeList const& message, std::uint32_t sequence) {
+    happening = {Happening::Kind::subscribe, number, message.lid, message.did};
     auto line = received("subscribe");
     line.number("lid", message.lid).number("number", message.number).device(message.did);
     line.number("flag", message.flag).number("callback", message.callback);
@@ -256,6 +286,7 @@ bool ClientSession::beginSubscription(std::int32_t flag) {
 }
 
 void ClientSession::on(cplwire::Cancel const& message, std::uint32_t sequence) {
+    happening.kind = Happening::Kind::cancel;
     auto line = received("cancel");
     line.number("flags", message.flags).number("service", message.service);
     services.record.add(std::move(line));
@@ -273,8 +304,9 @@ void ClientSession::on(cplwire::Cancel const& message, std::uint32_t sequence) {
 }
 
 void ClientSession::on(cplwire::Ping const&, std::uint32_t sequence) {
+    happening.kind = Happening::Kind::ping;
     services.record.add(received("ping"));
-    send(cplwire::Pong{}, sent("pong"), sequence);
+    send(cplwire::Pong{}, sent("pong"), connectionLane, sequence);
 }
 
 void ClientSession::on(cplwire::Pong const&, std::uint32_t) {
@@ -292,7 +324,8 @@ void ClientSession::acknowledge(std::uint32_t sequence, Outcome const& outcome) 
     if (!outcome.good()) {
         line.add("cause", outcome.cause);
     }
-    send(cplwire::Acknowledge{outcome.status}, std::move(line), sequence);
+    send(cplwire::Acknowledge{outcome.status}, std::move(line),
+         {Lane::Kind::acknowledgement, sequence}, sequence);
 }
 
 void ClientSession::tell(Change const& change) {
@@ -317,14 +350,15 @@ void ClientSession::sendUpdate(std::uint16_t callback, ParameterChange const& ch
     auto line = sent("update");
     line.number("pid", change.key.pid).device(change.key.did).value(change.value);
     line.number("callback", callback);
-    std::string const bytes = valueBytes(change.value);
+    std::string bytes = valueBytes(change.value);
+    addFault(line, services.faults.spoil(Damage::What::values, bytes));
     cplwire::ParameterUpdate update;
     update.callback = callback;
     update.pid = static_cast<std::uint16_t>(change.key.pid);
     update.did = change.key.did;
     update.dataType = static_cast<std::uint16_t>(change.value.type);
     update.value = bytes;
-    send(update, std::move(line));
+    send(update, std::move(line), {Lane::Kind::parameter, change.key.pid, change.key.did});
 }
 
 void ClientSession::tellItems(ListKey key, std::vector<ListItem> const& items) {
@@ -345,7 +379,7 @@ void ClientSession::tellItems(ListKey key, std::vector<ListItem> const& items) {
     }
 }
 
-void ClientSession::sendItems(ListKey key, std::uint16_t count, std::string_view payload,
+void ClientSession::sendItems(ListKey key, std::uint16_t count, std::string& payload,
                               ListItem const* single) {
     auto line = sent("list");
     line.number("lid", key.lid).number("number", key.number).device(key.did);
@@ -353,7 +387,9 @@ void ClientSession::sendItems(ListKey key, std::uint16_t count, std::string_view
     if (single) {
         addItem(line, key.lid, *single);
     }
-    send(cplwire::ListUpdate{count, payload}, std::move(line));
+    addFault(line, services.faults.spoil(Damage::What::lists, payload));
+    send(cplwire::ListUpdate{count, payload}, std::move(line),
+         {Lane::Kind::list, (std::int64_t{key.lid} << 16U) | key.number, key.did});
 }
 
 Line ClientSession::received(std::string_view what) const {
@@ -365,8 +401,8 @@ Line ClientSession::sent(std::string_view what) const {
 }
 
 template <typename Message>
-void ClientSession::send(Message const& message, Line line, std::uint32_t sequence) {
-    if (!isOpen()) {
+void ClientSession::send(Message const& message, Line line, Lane lane, std::uint32_t sequence) {
+    if (!isOpen() || ending) {
         return;
     }
     std::string bytes;
@@ -374,9 +410,12 @@ void ClientSession::send(Message const& message, Line line, std::uint32_t sequen
         close("a message of " + line.what + " is longer than the protocol allows");
         return;
     }
-    heldBytes += bytes.size();
-    held.push_back(services.faults.deliver(std::move(bytes), std::move(line),
-                                           std::chrono::steady_clock::now()));
+    deliver(std::move(bytes), std::move(line), lane);
+}
+
+void ClientSession::deliver(std::string bytes, Line line, Lane lane) {
+    services.faults.deliver(held, lane, std::move(bytes), std::move(line),
+                            std::chrono::steady_clock::now());
     // A burst is no proof that a panel doesn't read: first see what the system takes.
     if (waitingBytes() > services.queueLimit) {
         writeSome(std::chrono::steady_clock::now());
@@ -388,16 +427,15 @@ void ClientSession::send(Message const& message, Line line, std::uint32_t sequen
 }
 
 void ClientSession::writeSome(TimePoint now) {
-    if (!isOpen() || !services.faults.mayWrite()) {
+    if (!isOpen() || silent || !services.faults.mayWrite()) {
         return;
     }
-    while (!held.empty() && held.front().due <= now) {
-        heldBytes -= held.front().bytes.size();
-        outbox += held.front().bytes;
-        services.record.add(std::move(held.front().line));
-        held.pop_front();
+    while (auto delivery = held.takeDue(now)) {
+        commit(std::move(*delivery));
     }
+    endIfCut();
     if (!wantsToWrite()) {
+        finishCut(now);
         return;
     }
     auto const transfer = transmit(socket.get(), std::string_view(outbox).substr(taken));
@@ -409,11 +447,95 @@ void ClientSession::writeSome(TimePoint now) {
     if (taken >= outbox.size() / 2) {
         outbox.erase(0, std::exchange(taken, 0));
     }
+    finishCut(now);
+}
+
+void ClientSession::commit(Delivery delivery) {
+    auto const passed = toPanel.pass(delivery.bytes);
+    if (passed == 0) {
+        return;  // the cut lies ahead of it
+    }
+    if (passed < delivery.bytes.size()) {
+        delivery.line.number("cut", static_cast<std::int64_t>(passed));
+    }
+    outbox.append(delivery.bytes, 0, passed);
+    services.record.add(std::move(delivery.line));
+}
+
+void ClientSession::endIfCut() {
+    if (toPanel.isCut() || fromPanel.isCut()) {
+        ending = true;
+        held.clear();
+    }
+}
+
+/// Closes a connection that has been cut. To close with bytes on their way, or unread ones here,
+/// could destroy what has not arrived yet: so it waits for the former and takes the latter.
+void ClientSession::finishCut(TimePoint now) {
+    if (!ending || taken < outbox.size()) {
+        return;
+    }
+    if (hasUnsent(socket.get())) {
+        endCheck = now + arrivalCheck;
+        return;
+    }
+    std::string unread;
+    while (receive(socket.get(), unread, readSize).count > 0) {
+        unread.clear();
+    }
+    bool const there = toPanel.isCut();
+    auto const& place = *(there ? toPanel : fromPanel).cut();
+    close("cut at byte " + std::to_string(place.byte) + " of message " +
+          std::to_string(place.message) + (there ? " to the panel" : " from the panel"));
+}
+
+void ClientSession::goOn(TimePoint now) {
+    silent = services.faults.mute && silent;
+    connectedAt = now;
+    handleAll();
+}
+
+bool ClientSession::cutAt(Cut const& place) {
+    auto& meter = place.way == Way::toPanel ? toPanel : fromPanel;
+    if (!isOpen() || ending || !meter.cutAt(place.message, place.byte)) {
+        return false;
+    }
+    meter.pass({});  // it may be right here
+    endIfCut();
+    return true;
+}
+
+void ClientSession::sendGarbage(std::string bytes) {
+    if (isOpen() && !ending) {
+        auto line = sent("garbage");
+        line.number("bytes", static_cast<std::int64_t>(bytes.size()));
+        deliver(std::move(bytes), std::move(line), connectionLane);
+    }
+}
+
+ConnectionCount ClientSession::crossed() const {
+    return {number, isOpen(), toPanel.crossed(), fromPanel.crossed()};
+}
+
+Holding ClientSession::holding(FrameModel const& model) const {
+    Holding all{.client = number, .name = name};
+    for (auto const& [key, callbacks] : parameters) {
+        if (auto const* parameter = model.find(key)) {
+            all.parameters.push_back({key, parameter->value});
+        }
+    }
+    for (auto const& key : lists) {
+        if (auto const* list = model.find(key)) {
+            all.lists.emplace_back(key, list->items);
+        }
+    }
+    return all;
 }
 
 void ClientSession::sayBye() {
     if (welcomed) {
-        send(cplwire::Bye{}, sent("bye"));
+        writeSome(TimePoint::max());  // the last message is the last, whatever was late
+        send(cplwire::Bye{}, sent("bye"), connectionLane);
         writeSome(TimePoint::max());
     }
 }
@@ -426,7 +548,6 @@ void ClientSession::close(std::string const& reason) {
     services.record.add(Line{.client = number, .what = "closed"}.add("reason", reason));
     socket.close();
     held.clear();
-    heldBytes = 0;
     outbox.clear();
     taken = 0;
 }

@@ -4,12 +4,13 @@
 #include "platform/cplclient/wire/Messages.h"
 #include "sims/frame/FaultPlan.h"
 #include "sims/frame/Frame.h"
+#include "sims/frame/Happening.h"
 #include "sims/frame/Sockets.h"
+#include "sims/frame/StreamMeter.h"
 #include "sims/frame/TrafficRecord.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -26,6 +27,7 @@ struct SessionServices {
     TrafficRecord& record;
     FaultPlan& faults;
     std::function<void(std::vector<Change> const&)> publish;  ///< to all sessions
+    std::function<void(Happening const&)> notice;             ///< may work any fault
     std::size_t queueLimit;  ///< bytes that may wait for a panel that doesn't read
     std::string name;        ///< the frame's, for the welcome
 };
@@ -41,14 +43,18 @@ class ClientSession {
     int handle() const { return socket.get(); }
     bool isOpen() const { return socket.isOpen(); }
     bool isWelcome() const { return welcomed; }
-    bool wantsToWrite() const { return taken < outbox.size(); }
+    bool wantsToRead() const { return !silent && !ending; }
+    bool wantsToWrite() const { return taken < outbox.size() && !silent; }
+    /// Whether it is still expected to say hello: not if nobody listens.
+    bool owesHello() const { return !welcomed && wantsToRead(); }
     TimePoint since() const { return connectedAt; }
-    /// When the first message that a fault holds back is due.
+    /// When there is something to do without the panel.
     std::optional<TimePoint> nextDue() const;
     /// "#1 panel name=... from=..." for the list of clients.
     Line summary() const;
 
-    /// There is something to read: takes at most 64 KiB and does what it says.
+    /// There is something to read: takes at most 64 KiB and does what it says. Or, if it isn't
+    /// to read, the panel is gone.
     void readSome();
     /// Moves what is due to the socket, as far as the system takes it.
     void writeSome(TimePoint now);
@@ -56,6 +62,18 @@ class ClientSession {
     void tell(Change const& change);
     /// Says goodbye before the frame stops.
     void sayBye();
+
+    // Faults, as FrameServer promises them.
+
+    /// Nothing keeps it silent any more: does what has been read, and waits anew for a hello.
+    void goOn(TimePoint now);
+    bool cutAt(Cut const& place);
+    void sendGarbage(std::string bytes);
+    bool drop(ParameterKey key) { return parameters.erase(key) != 0; }
+    bool drop(ListKey key) { return lists.erase(key) != 0; }
+    ConnectionCount crossed() const;
+    Holding holding(FrameModel const& model) const;
+
     /// Ends the session, with one line that says why.
     void close(std::string const& reason);
 
@@ -86,14 +104,18 @@ class ClientSession {
     void tellParameter(ParameterChange const& change);
     void tellItems(ListKey key, std::vector<ListItem> const& items);
     void sendUpdate(std::uint16_t callback, ParameterChange const& change);
-    void sendItems(ListKey key, std::uint16_t count, std::string_view payload,
-                   ListItem const* single);
+    void sendItems(ListKey key, std::uint16_t count, std::string& payload, ListItem const* single);
 
-    std::size_t waitingBytes() const { return heldBytes + outbox.size() - taken; }
+    void commit(Delivery delivery);
+    void endIfCut();
+    void finishCut(TimePoint now);
+
+    std::size_t waitingBytes() const { return held.bytes() + outbox.size() - taken; }
     Line received(std::string_view what) const;
     Line sent(std::string_view what) const;
     template <typename Message>
-    void send(Message const& message, Line line, std::uint32_t sequence = 0);
+    void send(Message const& message, Line line, Lane lane, std::uint32_t sequence = 0);
+    void deliver(std::string bytes, Line line, Lane lane);
 
     SessionServices& services;
     std::uint32_t number;
@@ -105,10 +127,16 @@ class ClientSession {
     cplwire::MessageSplitter splitter{cplwire::maximumHelloLength};
     std::map<ParameterKey, Subscribers> parameters;
     std::set<ListKey> lists;
-    std::deque<Delivery> held;  // by the faults, in order
-    std::size_t heldBytes = 0;
+    DeliveryQueue held;
     std::string outbox;     // on its way to the system,
     std::size_t taken = 0;  // which has taken so much of it
+
+    Happening happening;  // what the message under way has been
+    StreamMeter toPanel;
+    StreamMeter fromPanel;
+    bool silent = false;  // nothing is read or written
+    bool ending = false;  // it has been cut: only what is in the outbox still goes out,
+    std::optional<TimePoint> endCheck;  // and then the system is asked whether it has arrived
 };
 
 }  // namespace FrameSim

@@ -179,6 +179,26 @@ std::string Frame::name() const {
     return model.name;
 }
 
+void Frame::look(std::function<void(FrameModel const&)> const& reader) const {
+    std::lock_guard const lock(mutex);
+    reader(model);
+}
+
+bool Frame::restart(std::optional<FrameModel> other, std::vector<ParameterChange> const& values) {
+    std::lock_guard const lock(mutex);
+    auto next = other ? std::move(*other) : model;
+    for (auto const& [key, value] : values) {
+        if (!next.assign(key, value)) {
+            return false;
+        }
+    }
+    model = std::move(next);
+    behaviour = makeBehaviour(model.behaviour);
+    behaviour->start(model);
+    model.takeChanges();
+    return true;
+}
+
 bool Frame::busy() const {
     std::lock_guard const lock(mutex);
     return behaviour->busy();

@@ -58,6 +58,13 @@ class Frame {
     std::optional<std::vector<ListItem>> items(ListKey key) const;
     std::vector<Line> dump(std::string_view part = {}) const;
     std::string name() const;
+    /// Shows the state between two operations. `reader` must not call the frame.
+    void look(std::function<void(FrameModel const&)> const& reader) const;
+
+    /// As if it had been switched off and on: with another model, if there is one, then with
+    /// these values, past all rules but type and range. Nobody is told. False, and nothing has
+    /// happened, if a value is of no parameter or of the wrong type.
+    bool restart(std::optional<FrameModel> other, std::vector<ParameterChange> const& values);
 
     /// Whether an auto transition or the like is running, and the time of a field.
     bool busy() const;

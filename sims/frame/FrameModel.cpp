@@ -34,19 +34,6 @@ void linkPrevious(std::vector<ListItem>& items, std::vector<ListItem>::iterator 
     }
 }
 
-Line shownParameter(ParameterKey key, Parameter const& parameter) {
-    Line line{.what = "parameter"};
-    line.number("pid", key.pid).device(key.did).value(parameter.value);
-    return line;
-}
-
-Line shownListItem(ListKey key, ListItem const& item) {
-    Line line{.what = "item"};
-    line.number("lid", key.lid).number("number", key.number).device(key.did);
-    addItem(line, key.lid, item);
-    return line;
-}
-
 void appendIfWanted(std::vector<Line>& lines, Line line, std::string_view part) {
     if (part.empty() || line.text().find(part) != std::string::npos) {
         lines.push_back(std::move(line));
@@ -176,7 +163,7 @@ std::vector<Change> FrameModel::takeChanges() { return std::exchange(changes, {}
 std::vector<Line> FrameModel::dump(std::string_view part) const {
     std::vector<Line> lines;
     for (auto const& [key, parameter] : parameters) {
-        appendIfWanted(lines, shownParameter(key, parameter), part);
+        appendIfWanted(lines, shownParameter(key, parameter.value), part);
     }
     for (auto const& [key, list] : lists) {
         for (auto const& item : list.items) {
@@ -188,6 +175,19 @@ std::vector<Line> FrameModel::dump(std::string_view part) const {
 
 void FrameModel::noteItems(ListKey key, std::vector<ListItem> items) {
     changes.emplace_back(ListChange{key, std::move(items)});
+}
+
+Line shownParameter(ParameterKey key, Value const& value) {
+    Line line{.what = "parameter"};
+    line.number("pid", key.pid).device(key.did).value(value);
+    return line;
+}
+
+Line shownListItem(ListKey key, ListItem const& item) {
+    Line line{.what = "item"};
+    line.number("lid", key.lid).number("number", key.number).device(key.did);
+    addItem(line, key.lid, item);
+    return line;
 }
 
 void addItem(Line& line, std::int32_t lid, ListItem const& item) {

@@ -146,6 +146,10 @@ class FrameModel {
     std::vector<Change> changes;
 };
 
+/// A parameter and an item as `FrameModel::dump` shows them.
+Line shownParameter(ParameterKey key, Value const& value);
+Line shownListItem(ListKey key, ListItem const& item);
+
 /// Adds an item to a line: its three numbers, and the fields by the names of the list's layout.
 void addItem(Line& line, std::int32_t lid, ListItem const& item);
 

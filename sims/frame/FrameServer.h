@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sims/frame/Faults.h"
 #include "sims/frame/Frame.h"
 #include "sims/frame/FrameModel.h"
 #include "sims/frame/StartError.h"
@@ -8,11 +9,16 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace FrameSim {
+
+class Scenario;
 
 struct FrameServerOptions {
     std::string address = "127.0.0.1";
@@ -30,6 +36,10 @@ struct FrameServerOptions {
     std::size_t clientLimit = 64;
     /// A connection that hasn't said hello by then is closed.
     std::chrono::milliseconds helloLimit{5000};
+
+    /// Does a command for the field time, on any thread. Throws `CommandError` if it is wrong.
+    /// None for a frame without field time.
+    std::function<void(std::string_view command)> fieldTime = {};
 };
 
 /// The frame as a panel meets it: a frame behind a TCP port, for any number of panels.
@@ -63,19 +73,68 @@ class FrameServer {
     /// All that has been told since construction.
     TrafficRecord& record();
 
+    // Faults; docs/faults.md tells more of each. They stay over a `stop` and `start`.
+
     /// Refuses connections, or takes them again. Throws `StartError` if the port has been lost.
     void refuse(bool on);
-    /// Holds back everything that is sent from now on.
-    void delay(std::chrono::milliseconds time);
-    /// Stops reading and writing while everything stays open, or goes on.
+    /// Accepts connections and never answers them; those that stand aren't touched. Off, it
+    /// answers what they have said in the meantime.
+    void mute(bool on);
+    /// Stops accepting, reading and writing, pongs included, while everything stays open, or
+    /// goes on. What has been ordered to go on by itself, fields too, stands still.
     void freeze(bool on);
     /// Cuts all connections, without a goodbye.
     void disconnect();
+    /// Cuts a connection at a byte; a later order for the same way of it takes the place of the
+    /// first. False if that place or that connection is past, or 1000 orders are waiting.
+    bool cut(Cut const& place);
+
+    /// Holds back everything that is sent from now on, in order.
+    void delay(std::chrono::milliseconds time);
+    /// The same in all its kinds. Throws `FaultError` unless 0 <= least <= most.
+    void delay(Delay const& wanted);
+    /// Everything that these faults leave to chance from now on goes by this.
+    void seed(std::uint32_t number);
+
+    /// Spoils the next payloads that go out, whoever they are for.
+    void damage(Damage const& wanted);
+    /// Sends bytes that make no sense to a panel, 0 for all. Gives how many got them.
+    std::size_t sendGarbage(Garbage kind, std::uint32_t client = 0);
+    /// What the next welcomes say of the protocol's version; nothing for the truth.
+    void welcomeVersion(std::optional<std::uint16_t> number);
+
+    /// Ends a subscription without a word. False if that panel has none such.
+    bool dropSubscription(std::uint32_t client, ParameterKey key);
+    bool dropSubscription(std::uint32_t client, ListKey key);
+
+    void flood(Flood const& wanted);
+    /// Another operator: so many sets a second of what may be written, by chance; 0 ends it.
+    void operate(std::uint32_t perSecond, std::uint32_t chance = 1);
+    /// Drops all connections without a goodbye and comes back with other state. Throws
+    /// `FaultError`, and nothing has happened, if a value fits no parameter.
+    void restart(Restart wanted);
+    /// Ends all faults above, with what is still waiting for its turn: cuts, damage, floods, the
+    /// other operator. What has been held back stays so. The state stays as it has become.
+    void heal();
+
+    /// Has a command for the field time done. Throws `CommandError`.
+    void fieldTime(std::string_view command);
+
     /// Sends the whole list to those who have subscribed to it. False if there is none.
     bool sendList(ListKey key);
 
+    /// Begins a scenario: its times count from now. One that was running ends.
+    void play(Scenario const& scenario);
+
+    // What there is to see.
+
     /// One line for each panel.
     std::vector<Line> clients();
+    /// The connections that stand, and the last 64 that have ended, by their numbers.
+    std::vector<ConnectionCount> crossed();
+    /// What the frame holds of all that a panel has subscribed to; nothing if it is no more.
+    /// All of it is either sent already or on its way when this returns.
+    std::optional<Holding> holding(std::uint32_t client);
 
   private:
     class Loop;

@@ -3,11 +3,13 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <linux/sockios.h>
 #include <memory>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -149,6 +151,11 @@ Transfer transmit(int socket, std::string_view bytes) {
         return {static_cast<std::size_t>(sent), false, {}};
     }
     return wouldWait() ? Transfer{} : lost();
+}
+
+bool hasUnsent(int socket) {
+    int bytes = 0;
+    return ::ioctl(socket, SIOCOUTQ, &bytes) == 0 && bytes > 0;
 }
 
 Waker::Waker() : event(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {

@@ -69,6 +69,9 @@ Transfer receive(int socket, std::string& target, std::size_t most);
 /// What the system takes of `bytes`, without waiting.
 Transfer transmit(int socket, std::string_view bytes);
 
+/// Whether bytes are on their way that the other machine hasn't confirmed.
+bool hasUnsent(int socket);
+
 /// Wakes a thread that polls.
 class Waker {
   public:

@@ -144,6 +144,74 @@ TEST_F(Console, WorksTheServersSwitches) {
     EXPECT_EQ(client.news(), "closed");
 }
 
+TEST_F(Console, DumpsWhatPanelsHaveSubscribedTo) {
+    server.start();
+    TestClient first(server.port());
+    first.hello("p");
+    first.subscribe(10, 0x24000000, 4);
+    TestClient second(server.port());
+    second.hello("q");
+    second.subscribe(20, 0x08000000, 4);
+    second.subscribe(ListKey{12, 1, 0x62000000}, 4);
+    std::string const value = "#1 parameter pid=10 did=24000000 type=UInt16 value=1";
+    auto const all = type("dump");
+    ASSERT_EQ(all.size(), 1U + 1U + 17U + 1U);
+    EXPECT_EQ(all[0], value);
+    EXPECT_EQ(all[1], "#2 parameter pid=20 did=08000000 type=Bool value=false");
+    EXPECT_EQ(all[2].substr(0, 46), "#2 item lid=12 number=1 did=62000000 itemId=1 ");
+    EXPECT_EQ(type("dump 1"), (Texts{value, "ok command=dump"}));
+    EXPECT_EQ(type("dump 3"), Texts{"error reason=\"dump: there is no panel 3\""});
+    EXPECT_EQ(type("dump 1 x"), Texts{"error reason=\"dump: too much: 'x'\""});
+    EXPECT_EQ(type("dump 1 --json"), (Texts{value, "ok command=dump"}));
+    Texts json;
+    FrameConsole other(
+        server, [](Line const&) {}, [&](Line const& line) { json.push_back(line.text()); });
+    other.execute("dump 1 --json");
+    other.execute("dump --json");
+    EXPECT_EQ(json.size(), 1U + 19U);
+    EXPECT_EQ(json[0], value);
+}
+
+TEST_F(Console, WorksTheFaults) {
+    server.start();
+    EXPECT_EQ(type("break to 2 3"), Texts{"ok command=break"});
+    {
+        TestClient client(server.port());
+        client.hello();
+        client.send(cplwire::Ping{});
+        EXPECT_EQ(client.news(), "closed");
+    }
+    EXPECT_TRUE(server.record().waitFor("#1 closed reason=\"cut at byte 3 of message 2 to the "));
+    // A welcome of 28 bytes and 3 of the pong; a hello of 27 and a ping of 9.
+    EXPECT_EQ(type("crossed")[0],
+              "#1 crossed open=false toMessages=1 toBytes=31 fromMessages=2 fromBytes=36");
+    EXPECT_EQ(type("break to 1 0 1"), Texts{"error reason=\"break: that place is past\""});
+    EXPECT_EQ(type("mute on"), Texts{"ok command=mute"});
+    TestClient client(server.port());
+    client.send(cplwire::Hello{});
+    EXPECT_FALSE(client.hearsWithin(std::chrono::milliseconds(10)));
+    EXPECT_EQ(type("mute off"), Texts{"ok command=mute"});
+    EXPECT_EQ(client.news(), "welcome sample switcher");
+    EXPECT_EQ(client.subscribe(10, 0x24000000, 4), 0);
+    EXPECT_EQ(type("truncate values 1 0"), Texts{"ok command=truncate"});
+    EXPECT_EQ(type("cut"), Texts{"ok command=cut"});
+    EXPECT_EQ(client.news(), "update 7 10 24000000 undecodable");
+    EXPECT_EQ(type("drop 2 10 24000000"), Texts{"ok command=drop"});
+    EXPECT_EQ(type("drop this 10 24000000"),
+              Texts{"error reason=\"drop: no panel has caused it, so there is no 'this'\""});
+    EXPECT_EQ(type("garbage version 2"), Texts{"ok command=garbage"});
+    EXPECT_EQ(type("garbage version 9"), Texts{"error reason=\"garbage: there is no such panel\""});
+    EXPECT_EQ(client.news(), "welcome frame");
+    EXPECT_EQ(type("flood 10 0 10 25000000"),
+              Texts{"error reason=\"flood: there is no such parameter\""});
+    EXPECT_EQ(type("restart set 10 24000000 7"), Texts{"ok command=restart"});
+    EXPECT_EQ(client.news(), "closed");
+    EXPECT_EQ(server.frame().value({10, 0x24000000})->integer(), 7);
+    EXPECT_EQ(type("restart set 10 24000000 x"),
+              Texts{"error reason=\"restart: 'x' is no UInt16\""});
+    EXPECT_EQ(type("heal"), Texts{"ok command=heal"});
+}
+
 TEST_F(Console, HelpNamesEveryCommand) {
     auto const all = type("help");
     Texts names;
@@ -152,8 +220,12 @@ TEST_F(Console, HelpNamesEveryCommand) {
         names.push_back(line.substr(start, line.find_first_of(" \"", start) - start));
     }
     names.pop_back();  // ok
-    EXPECT_EQ(names, (Texts{"set", "get", "list", "event", "cut", "auto", "refuse", "delay",
-                            "freeze", "thaw", "disconnect", "state", "clients", "help", "quit"}));
+    EXPECT_EQ(names, (Texts{"set",        "list",  "event",      "cut",     "auto",    "refuse",
+                            "mute",       "delay", "delay-acks", "shuffle", "freeze",  "thaw",
+                            "disconnect", "break", "truncate",   "corrupt", "garbage", "version",
+                            "seed",       "flood", "operate",    "restart", "drop",    "drop-list",
+                            "heal",       "time",  "get",        "state",   "clients", "dump",
+                            "crossed",    "help",  "quit"}));
     EXPECT_EQ(all[0], "help command=\"set PID DID VALUE\" does=\"sets a parameter as another "
                       "operator would; a text may stand in double quotes\"");
 }

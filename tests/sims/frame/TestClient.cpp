@@ -147,6 +147,23 @@ TestClient::Wait TestClient::fill(std::chrono::milliseconds time) {
     return Wait::ready;
 }
 
+std::string TestClient::bytesUntilClosed() {
+    std::string all;
+    for (;;) {
+        pollfd waitingFor{handle, POLLIN, 0};
+        char block[65536];
+        if (::poll(&waitingFor, 1, static_cast<int>(std::chrono::milliseconds(patience).count())) <=
+            0) {
+            return all + " and then silence";
+        }
+        ssize_t const got = ::recv(handle, block, sizeof block, 0);
+        if (got <= 0) {
+            return all;
+        }
+        all.append(block, static_cast<std::size_t>(got));
+    }
+}
+
 std::optional<std::string> TestClient::takeOne(std::optional<std::uint32_t> ackWanted,
                                                int& status) {
     for (;;) {

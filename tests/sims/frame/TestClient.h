@@ -60,6 +60,8 @@ class TestClient {
     bool hearsWithin(std::chrono::milliseconds time);
     /// What the frame has said until it closed, acknowledgements left out.
     std::vector<std::string> allNews();
+    /// The bytes themselves until the frame closes or falls silent; what came before isn't there.
+    std::string bytesUntilClosed();
 
     void close();
 

@@ -27,7 +27,7 @@ fails() {
 
 # begin ARGUMENT...: a frame on a free port, its input and output on descriptors 7 and 8
 begin() {
-  coproc frame { exec "$qfd" frame --port 0 "$@"; }
+  coproc frame { exec "$qfd" frame --no-time --port 0 "$@"; }
   pid=$frame_PID
   exec 8<&"${frame[0]}" 7>&"${frame[1]}" {frame[1]}>&-
   read -r -t 30 first <&8 || first="no line"
@@ -44,6 +44,30 @@ fails "qfd frame: $work/bad.json:1:15: \"behaviour\" must be a string, not a num
 fails "qfd frame: $work/none.json: No such file or directory" --model "$work/none.json"
 fails "--port: Value 70000 not in range 0 to 65535
 Run with --help for more information." --port 70000
+
+printf '# comment\nat 1s freeze\n  on connect x thaw\n' >"$work/bad.scenario"
+fails "qfd frame: $work/bad.scenario:3:14: CLIENT must be a number from 1 to 1000000000, not 'x'
+  on connect x thaw
+             ^" --scenario "$work/bad.scenario"
+fails "qfd frame: $work/none: No such file or directory" --scenario "$work/none"
+
+printf 'at 1ms cut\non connect 1 break to 1 0 this\nthen 10ms restart model %s\n' \
+  "$(dirname "$0")/../../../installation/frame/sample-switcher.json" >"$work/good.scenario"
+begin --scenario "$work/good.scenario"
+port=${first#*port=} port=${port%% *}
+check "a time" 'scenario line=1 action="cut"' "$(answer)"
+exec 9<>"/dev/tcp/127.0.0.1/$port"
+check "a connection" "#1 connected" "$(answer | cut -d' ' -f1,2)"
+check "a trigger" '#1 scenario line=2 action="break to 1 0 this"' "$(answer)"
+check "a cut" '#1 closed reason="cut at byte 0 of message 1 to the panel"' "$(answer)"
+exec 9>&-
+check "what follows" '#1 scenario line=3 action="restart model' "$(answer | cut -d' ' -f1-5)"
+check "a restart" 'restarted model="sample switcher"' "$(answer)"
+check "the return" 'returned' "$(answer)"
+echo "dump --json" >&7
+check "an empty dump" "ok command=dump" "$(answer)"
+echo "quit" >&7
+ends "a scenario"
 
 begin
 port=${first#*port=} port=${port%% *}
