@@ -23,6 +23,8 @@ class ChildProcess {
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
 
+    /// Its process number; another one's as soon as it has ended.
+    int id() const { return pid; }
     /// A line to its standard input; ignored if it has ended.
     void send(std::string_view line);
     /// Ends its standard input and waits for it; its exit code, or 128 and the signal's number.

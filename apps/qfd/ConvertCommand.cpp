@@ -123,7 +123,7 @@ constexpr char footer[] =
     "a line feed is written \\x0a and a backslash \\x5c. An exception is a line that begins\n"
     "with ! in place of the number.\n"
     "\nExample, from the installation's folder:\n"
-    "  printf 'FID: id=PANEL.ME1.CUT, data=[\\222\\n' |\n"
+    "  printf 'FID: id=MEMORY.RECALL, data=[REG=10\\222\\n' |\n"
     "    qfd convert --manifest Configuration/SimulatorManifest.xml --direction fid";
 
 }  // namespace

@@ -119,7 +119,7 @@ int run(Options const& options) {
 constexpr char footer[] =
     "\nWords are joined by | and applied from left to right. Without WORD, standard input has\n"
     "lines of WORD, tab, VALUE; with WORD alone, lines of VALUE. An exception is printed as a\n"
-    "line that begins with !.\n"
+    "line that begins with !. A value that begins with - and is no number stands behind --.\n"
     "\nExamples:\n"
     "  qfd decorate 'increment|width=3,padding=0' 7\n"
     "  qfd decorate format:seconds_to_frames 1.5 --context VIDEO.FRAMERATE=25";

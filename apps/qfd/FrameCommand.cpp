@@ -1,10 +1,12 @@
 #include "FrameCommand.h"
 
 #include "ConsoleInput.h"
+#include "FrameTime.h"
 #include "Output.h"
 #include "sims/frame/FrameConsole.h"
 #include "sims/frame/FrameServer.h"
 #include "sims/frame/ModelFile.h"
+#include "sims/frame/Scenario.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -13,6 +15,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <variant>
@@ -24,14 +27,18 @@ struct FrameOptions {
     std::string address = "127.0.0.1";
     std::uint16_t port = 5000;
     std::string model;
+    std::string scenario;
     bool json = false;
+    FrameTimeOptions time;
 };
 
 constexpr char footer[] =
     "Without --model the frame is the sample switcher: two M/Es, four keyers each, four aux\n"
     "buses, sixteen sources. The first line that it prints tells the address and the port.\n"
+    "The field time is asked for over UDP; see docs/time-keeper.md.\n"
     "\nCommands on standard input change things while panels are connected; type help. The end\n"
-    "of the input stops nothing; quit, SIGINT and SIGTERM do, with exit code 0.\n"
+    "of the input stops nothing; quit, SIGINT and SIGTERM do, with exit code 0. A scenario is a\n"
+    "file of the same commands, each with its time or trigger; see docs/faults.md.\n"
     "\nExamples:\n"
     "  qfd frame --port 0\n"
     "  qfd frame --bind 127.0.0.2 --model installation/frame/sample-switcher.json --json";
@@ -105,15 +112,32 @@ FrameSim::FrameServerOptions serverOptions(FrameOptions const& options) {
     return server;
 }
 
+std::optional<FrameSim::Scenario> readScenario(std::string const& path) {
+    return path.empty() ? std::nullopt : std::optional(FrameSim::Scenario::readFile(path));
+}
+
 int runFrame(FrameOptions const& options) {
     ConsoleInput input;
     try {
-        FrameSim::FrameServer server(serverOptions(options));
-        FrameSim::FrameConsole console(server, options.json ? printJson : printText);
+        auto const scenario = readScenario(options.scenario);
+        FrameTime time(options.time, options.address, options.json ? printJson : printText);
+        auto wanted = serverOptions(options);
+        wanted.fieldTime = [&time](std::string_view command) { time.run(command); };
+        FrameSim::FrameServer server(std::move(wanted));
+        FrameSim::FrameConsole console(server, options.json ? printJson : printText, printJson);
+        time.open();
+        if (scenario) {
+            checkFieldTime(*scenario);
+            server.play(*scenario);
+        }
         server.start();
+        time.start();
         input.run([&](std::string_view line) { return console.execute(line); });
+        time.stop();
         server.stop();
     } catch (FrameSim::ModelError const& error) {
+        throw InputError(error.what());
+    } catch (FrameSim::ScenarioError const& error) {
         throw InputError(error.what());
     } catch (FrameSim::StartError const& error) {
         throw InputError(error.what());
@@ -136,7 +160,10 @@ void addFrameCommand(CLI::App& program, Job& job) {
         ->capture_default_str();
     command->add_option("--model", options->model, "Model file, docs/formats/frame-model.md")
         ->type_name("FILE");
+    command->add_option("--scenario", options->scenario, "Faults and their times, docs/faults.md")
+        ->type_name("FILE");
     command->add_flag("--json", options->json, "Print one JSON object per line");
+    addFrameTimeOptions(*command, options->time);
     command->footer(footer);
     command->callback([options, &job] { job = [options] { return runFrame(*options); }; });
 }

@@ -34,9 +34,16 @@ struct PanelOptions {
     std::int32_t index = 0;
     std::string address;
     std::string script;
+    bool compare = false;
     bool json = false;
     LogLevel level = LogLevel::Error;
+    std::string logFile;
 };
+
+constexpr std::size_t heardKept = 1000;          // of what the panel heard; nothing here looks back
+constexpr std::size_t logFileSize = 16U << 20U;  // bytes, then it is rolled over
+
+constexpr std::int32_t panelNumbers = 29668;  // the local port is 6200 + 2 x number
 
 constexpr std::pair<char const*, LogLevel> levels[] = {{"debug", LogLevel::Debug},
                                                        {"info", LogLevel::Info},
@@ -49,11 +56,14 @@ constexpr char footer[] =
     "  NAME [PARAMETER=VALUE ...] [@WIDGET]   raise a FID; \"...\" holds any byte, \\xHH too\n"
     "  :wait SID|TID NAME [VALUE] [within MS]\n"
     "  :wait FID NAME [PARAMETER=VALUE ...] [within MS]\n"
-    "  :sleep MS, :state [PATTERN], :quit, # comment\n"
+    "  :sleep MS, :state [PATTERN], :compare, :quit, # comment\n"
     "\nPrints what the panel hears: \"SID NAME = VALUE\", \"TID NAME = VALUE\", \"FID NAME\n"
     "PARAMETER=VALUE ...\", and \"! TEXT\" for an exception that a FID brings back. The exit\n"
     "code is 1 after such an exception, and when a :wait runs out, which ends the run. The\n"
     "driver's own printing goes to standard error.\n"
+    "\n:compare joins a fresh panel to the same frame and prints, as \"DIFFERENCE SID NAME: this\n"
+    "panel VALUE, a fresh one VALUE\", all that the two show unlike but what config/OwnState.txt\n"
+    "calls the panel's own. Any difference makes the exit code 1. --compare does it at the end.\n"
     "\nExample:\n"
     "  printf 'ME1.CUT\\n:wait SID ME1.PGM.SOURCE 2\\n' | qfd panel --dir installation";
 
@@ -73,6 +83,15 @@ class PanelPrinter {
     }
 
     void print(PanelEvent const& event) { write(json ? inJson(event) : shown(event)); }
+
+    void print(PanelSim::Difference const& difference) {
+        write(json ? jsonLine({{"kind", "difference"},
+                               {"of", PanelSim::kindName(difference.kind)},
+                               {"name", widened(difference.name)},
+                               {"value", widened(difference.value)},
+                               {"fresh", widened(difference.fresh)}})
+                   : "DIFFERENCE " + shown(difference));
+    }
 
     void printException(std::string const& text) {
         write(json ? jsonLine({{"kind", "!"}, {"text", widened(text)}}) : "! " + text);
@@ -109,9 +128,19 @@ class PanelPrinter {
     std::unique_ptr<std::FILE, Close> const out;
 };
 
-void startLog(LogLevel level) {
-    LogManager::getInstance()->setDefaultLevel(level);
-    LogManager::getInstance()->addConsole();
+void startLog(PanelOptions const& options) {
+    auto* const log = LogManager::getInstance();
+    log->setDefaultLevel(options.level);
+    if (options.logFile.empty()) {
+        log->addConsole();
+        return;
+    }
+    try {
+        // The host's start changes the directory, and the file is opened anew when it is full.
+        log->addRotatingFile(std::filesystem::absolute(options.logFile), logFileSize, 3);
+    } catch (std::runtime_error const& error) {
+        throw InputError(error.what());
+    }
 }
 
 /// Runs the lines of standard input as they come. A person may correct a slip; to a program it
@@ -136,6 +165,16 @@ PanelRunner::Outcome runInput(PanelRunner& runner) {
     return PanelRunner::Outcome::quit;
 }
 
+/// What the installation calls the panel's own; nothing if it doesn't say.
+PanelSim::OwnNames ownNames(std::string const& directory) {
+    auto const file = std::filesystem::path(directory) / "config" / "OwnState.txt";
+    return std::filesystem::exists(file) ? PanelSim::OwnNames(readInput(file.string()))
+                                         : PanelSim::OwnNames();
+}
+
+/// The number of a panel that has a local port to itself, as far away as can be.
+std::int32_t freshIndex(std::int32_t index) { return (index + panelNumbers / 2) % panelNumbers; }
+
 void runScript(PanelRunner& runner, std::vector<PanelSim::Command> const& script) {
     for (auto const& command : script) {
         if (runner.run(command) != PanelRunner::Outcome::goOn) {
@@ -151,21 +190,30 @@ int drive(PanelOptions const& options) {
     if (!options.script.empty()) {
         script = PanelSim::parseScript(readInput(options.script), options.script);
     }
+    auto const own = ownNames(options.directory);
+    // The host's start changes the directory, to which names are relative.
+    PanelSim::PanelHostOptions const fresh{std::filesystem::absolute(options.module), "",
+                                           freshIndex(options.index), options.address};
     // For ever, as the record that prints through it.
     auto* const printer = new PanelPrinter(options.json);
-    startLog(options.level);
-    PanelHost host({options.module, options.directory, options.index, options.address},
+    startLog(options);
+    PanelHost host({options.module, options.directory, options.index, options.address, heardKept},
                    [printer](PanelEvent const& event) { printer->print(event); });
     host.start();
-    PanelRunner runner(host.record(),
-                       [&host](auto const& name, auto const& list) { host.raise(name, list); },
-                       {[printer](PanelEvent const& event) { printer->print(event); },
-                        [printer](std::string const& text) { printer->printException(text); },
-                        [](std::string const& text) { printError("panel", text); }});
+    PanelRunner runner(
+        host.record(), [&host](auto const& name, auto const& list) { host.raise(name, list); },
+        [&] { return PanelSim::compareWithFresh(host.record(), fresh, own); },
+        {[printer](PanelEvent const& event) { printer->print(event); },
+         [printer](PanelSim::Difference const& one) { printer->print(one); },
+         [printer](std::string const& text) { printer->printException(text); },
+         [](std::string const& text) { printError("panel", text); }});
     if (script) {
         runScript(runner, *script);
     } else {
         runInput(runner);
+    }
+    if (options.compare) {
+        runner.run(PanelSim::Compare{});
     }
     host.stop();
     return runner.allGood() ? exitGood : exitCheckFailed;
@@ -196,18 +244,22 @@ void addPanelCommand(CLI::App& program, Job& job) {
         ->required();
     command->add_option("--index", options->index, "The panel's number")
         ->type_name("N")
-        ->check(CLI::Range(0, 29667))  // the local port is 6200 + 2 x N
+        ->check(CLI::Range(0, panelNumbers - 1))
         ->capture_default_str();
     command->add_option("--address", options->address, "The panel's own address")
         ->type_name("ADDRESS");
     command->add_option("--script", options->script, "Commands to run, - for standard input")
         ->type_name("FILE");
+    command->add_flag("--compare", options->compare,
+                      "At the end, compare what is shown with a fresh panel on the same frame");
     command->add_flag("--json", options->json, "Print one JSON object per line");
     std::map<std::string, LogLevel> const names(std::begin(levels), std::end(levels));
     command->add_option("--log", options->level, "debug, info, warning, error or off")
         ->type_name("LEVEL")
         ->transform(CLI::CheckedTransformer(names))
         ->default_str("error");
+    command->add_option("--log-file", options->logFile, "Log to this file, not standard error")
+        ->type_name("FILE");
     command->footer(footer);
     command->callback([options, &job] { job = [options] { return runPanel(*options); }; });
 }

@@ -1,3 +1,4 @@
+#include "Arguments.h"
 #include "CheckCommand.h"
 #include "Command.h"
 #include "ConvertCommand.h"
@@ -11,13 +12,13 @@
 #include "MessageCommand.h"
 #include "Output.h"
 #include "PanelCommand.h"
+#include "SoakCommand.h"
 #include "TemplateCommand.h"
+#include "TimeCommand.h"
 
 #include <CLI/CLI.hpp>
 
-#include <iterator>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -27,42 +28,14 @@ constexpr void (*addCommands[])(CLI::App&, qfd::Job&) = {
     qfd::addConvertCommand, qfd::addDidCommand,    qfd::addTemplateCommand,
     qfd::addMessageCommand, qfd::addExpandCommand, qfd::addDecorateCommand,
     qfd::addCheckCommand,   qfd::addDsfCommand,    qfd::addExpandLineCommand,
-   
+    qfd::addTimeCommand,    qfd::addSoakCommand,
 };
 
 constexpr char helpFooter[] =
-    "`qfd SUBCOMMAND --help` tells all about a subcommand.\n"
+    "`qfd SUBCOMMAND --help` tells all about a subcommand. Texts that begin with - stand behind\n"
+    "--; negative numbers such as -2.5 need none.\n"
     "\nThe exit code is 0 when all went well, 1 when a check said no, and 2 when the command\n"
     "line or an input is wrong.";
-
-// To CLI11 an argument in brackets is a list, which it takes apart; here it is a text like any
-// other. One byte at its end hides it until the options have it.
-constexpr char shield = '\x01';
-
-/// The arguments as CLI11 wants a list of them: without the program's name, the last one first.
-std::vector<std::string> shielded(int argc, char** argv) {
-    std::vector<std::string> arguments(std::make_reverse_iterator(argv + argc),
-                                       std::make_reverse_iterator(argv + 1));
-    for (auto& text : arguments) {
-        if ((text.starts_with('[') && text.ends_with(']')) || text.ends_with(shield))
-            text.push_back(shield);
-    }
-    return arguments;
-}
-
-void unshieldOptions(CLI::App& program) {
-    CLI::Validator const unshield(
-        [](std::string& text) {
-            if (text.ends_with(shield))
-                text.pop_back();
-            return std::string();
-        },
-        "");
-    for (auto* const command : program.get_subcommands({})) {
-        for (auto* const option : command->get_options())
-            option->transform(unshield);
-    }
-}
 
 /// CLI11 has an exit code for each kind of mistake; to the user they are all one.
 int report(CLI::App const& program, CLI::ParseError const& outcome) {
@@ -87,9 +60,8 @@ int main(int argc, char** argv) {
     for (auto* const add : addCommands) {
         add(program, job);
     }
-    unshieldOptions(program);
     try {
-        program.parse(shielded(argc, argv));
+        qfd::parseArguments(program, argc, argv);
     } catch (CLI::ParseError const& outcome) {
         return report(program, outcome);
     }

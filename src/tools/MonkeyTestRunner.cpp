@@ -16,6 +16,7 @@ void MonkeyTestRunner::run() {
         if (auto* const handler = sink.load()) {
             for (int count = MonkeyTest::rand() % 4 + 2; count > 0; --count) {
                 auto const [fid, parameters] = generate();
+                ++raised;
                 handler->handleFID(fid, parameters);
             }
         }

@@ -35,11 +35,14 @@ class MonkeyTestRunner : public Task {
     /// Appends a copy of each; nothing is ever removed, so a file that is loaded twice counts
     /// twice.
     void addGenerators(std::vector<MonkeyTest::FIDGenerator> const& list);
+    /// How many FIDs all its monkeys have raised so far.
+    unsigned long getRaised() const { return raised; }
 
   private:
     std::pair<std::string, FIDParameterList> generate();
 
     std::atomic<FIDHandler*> sink{nullptr};
+    std::atomic<unsigned long> raised{0};
     SpinMutex listLock;  // of generators
     std::vector<MonkeyTest::FIDGenerator> generators;
     Clock& clock;

@@ -91,7 +91,7 @@ TEST(StateFile, EveryStateThatGoesDarkIsCleanInTheSameWay) {
     States dark;
     collect(dictionary, Installation::bytes("FID: id=PANEL.CONNECTION.LOST, data=[~"), dark);
     // crosspoints, keyers, transitions, memories, clips, the frame itself
-    EXPECT_EQ(dark.size(), 469U + 18 + 16 + 202 + 10 + 3);
+    EXPECT_EQ(dark.size(), 469U + 18 + 18 + 202 + 10 + 3);
     auto const clean = cleanState();
     for (auto const& [name, value] : dark) {
         auto const at = clean.find(name);
