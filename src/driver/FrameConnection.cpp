@@ -54,6 +54,8 @@ void QuillaneQFD::onFrameConnected() {
 void QuillaneQFD::disconnectFromFrame() {
     log.getInfoStream() << "Disconnecting from the frame.";
     cplClient.disconnect();
+    if (auto* const client = timeClient.load())
+        client->disconnected();
     sendSID("SYSTEM.REBOOT_INDICATION", "INV");
 }
 

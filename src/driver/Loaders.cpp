@@ -5,6 +5,7 @@
 #include "cpl/Subscription.h"
 #include "driver/QuillaneQFD.h"
 #include "foundation/Exceptions.h"
+#include "tools/MonkeyTestParser.h"
 #include "xml/CPLSubscriptionListParser.h"
 #include "xml/FIDRegistrationListParser.h"
 #include "xml/SettingsKeys.h"
@@ -46,6 +47,14 @@ constexpr ValidationMode modeOf = ValidationMode::Schema;
 // A dictionary isn't checked against a schema: the forms' own silent rules are all there is.
 template <>
 constexpr ValidationMode modeOf<TemplateConversionCollectionParser> = ValidationMode::None;
+// Nor is a monkey test.
+template <>
+constexpr ValidationMode modeOf<MonkeyTestParser> = ValidationMode::None;
+
+/// Nothing that a loader knows how to tell.
+struct LastResort {};
+
+constexpr char unforeseen[] = "An unforeseen problem has occurred while parsing the xml file ";
 
 }  // namespace
 
@@ -90,6 +99,22 @@ bool QuillaneQFD::loadFIDRegistration(std::string const& path, std::list<std::st
             result.sort();
             target.merge(result);
         });
+}
+
+// What no parser foresees, a bound that is no number above all, has a second line here: that is the
+// one that authors of monkey tests look for.
+bool QuillaneQFD::loadMonkeyTest(std::string const& path) {
+    constexpr char lastResort[] = "An unhandled exception occurred while loading a monkey test.";
+    return logFailure(log, lastResort, [&] {
+        try {
+            monkeyTest.addGenerators(MonkeyTestParser().parseFile(path, modeOf<MonkeyTestParser>));
+        } catch (XMLException const& error) {
+            if (!error.getMessage().starts_with(unforeseen))
+                throw;
+            log.getErrorStream() << error.getMessage();
+            throw LastResort();
+        }
+    });
 }
 
 bool QuillaneQFD::loadDefaultSettings() {

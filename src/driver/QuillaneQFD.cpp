@@ -37,14 +37,21 @@ void addSource(FIDParameterList& parameters, UniqueWidgetID widget) {
 
 }  // namespace
 
-QuillaneQFD::QuillaneQFD(FrameDriver::Tools::Clock& driverClock)
-    : log(LogManager::getInstance()->getCategory("Tavrine_Frame_Driver")), clock(driverClock) {}
+QuillaneQFD::QuillaneQFD(FrameDriver::Tools::Clock& driverClock,
+                         FrameDriver::Tools::Clock* timeClientClock)
+    : log(LogManager::getInstance()->getCategory("Tavrine_Frame_Driver")),
+      clock(driverClock),
+      clockOfTime(timeClientClock) {}
 
 QuillaneQFD::~QuillaneQFD() {
+    monkeyTest.stop(nullptr);
+    monkeyTest.waitUntilEnded(boost::posix_time::pos_infin);
     if (auto const running = std::atomic_exchange(&observer, {}))
         running->stop(nullptr);
     if (observerGone.valid())
         observerGone.wait();
+    if (timeClient.exchange(nullptr))
+        destroyTimeClient();
     cplClient.cancelAllSubscriptions();
     cplClient.close();
     cplClient.stopIssues();

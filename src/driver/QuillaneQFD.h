@@ -16,6 +16,9 @@
 #include "foundation/FIDHandler.h"
 #include "platform/logging/LogCategory.h"
 #include "template/ContextStore.h"
+#include "time/FrameLink.h"
+#include "time/TimeClient.h"
+#include "tools/MonkeyTestRunner.h"
 #include "xml/Settings.h"
 
 #include <atomic>
@@ -37,14 +40,19 @@ class Subscription;
 /// lock of its own; see docs/threads.md for those below it.
 ///
 /// Lifetime: `initialize` once, `deinitialize` once. The module keeps its driver to the end of
-/// the process. Destroying one (tests do) waits for its observer's thread.
-/// Errors: start-up never fails as a whole, each step logs what it has to do without. On the
-/// road of a FID or an issue nothing is caught.
-class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, public FIDHandler {
+/// the process. Destroying one (tests do) waits for its observer's, its time client's and its
+/// monkey's threads. Errors: start-up never fails as a whole, each step logs what it has to do
+/// without. On the road of a FID or an issue nothing is caught.
+class QuillaneQFD : public QFDBase,
+                    public FrameDriver::CPL::IssueHandler,
+                    public FIDHandler,
+                    public FrameLink {
   public:
-    /// The clock serves the observer's sleeps and the time of the panel's reboot indication.
+    /// The clock serves the observer's sleeps and the time of the panel's reboot indication; the
+    /// other one the time client's sleeps, which are the machine's if there is none.
     explicit QuillaneQFD(
-        FrameDriver::Tools::Clock& driverClock = FrameDriver::Tools::Clock::system());
+        FrameDriver::Tools::Clock& driverClock = FrameDriver::Tools::Clock::system(),
+        FrameDriver::Tools::Clock* timeClientClock = nullptr);
     ~QuillaneQFD() override;
 
     void initialize() override;
@@ -56,7 +64,9 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     void handleIssue(FrameDriver::CPL::Issue* issue) override;
 
     // The connection's lifecycle, driven by the observer.
-    ClientConnectionState getConnectionState() const { return cplClient.getConnectionState(); }
+    ClientConnectionState getConnectionState() const override {
+        return cplClient.getConnectionState();
+    }
     void connectToFrame();
     void onFrameConnected();
     void subscribeToFrame();
@@ -64,7 +74,7 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     void resetPanel();
     void registerFIDs();
     /// The address in use; empty if the settings have none.
-    std::string getFrameAddress() const;
+    std::string getFrameAddress() const override;
     std::string getVersionText() const { return versionText; }
 
     // What a conversion leads to.
@@ -76,6 +86,8 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     /// Dropped, not queued, until the dictionaries are loaded.
     void sendSID(std::string const& name, std::string const& value);
     void handleOwnFID(std::string const& name, FIDParameterList const& parameters);
+    /// Loads the monkey's files, each time again, and starts it; or asks it to end and goes on.
+    void enableMonkeyTest(bool enable);
 
     // Files. Each logs why it failed and leaves its target as it was.
     using Subscriptions = std::list<FrameDriver::CPL::Subscription*>;
@@ -88,6 +100,7 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     /// The new subscriptions are the caller's, to be deleted.
     bool loadSubscriptions(std::string const& path, Subscriptions& target);
     bool loadFIDRegistration(std::string const& path, std::list<std::string>& target);
+    bool loadMonkeyTest(std::string const& path);
 
   private:
     template <typename Parser, typename Take>
@@ -98,9 +111,12 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     void stopXML();
     void loadConfiguration();
     void loadAllConversions();
+    std::string localAddress() const;
     void openClient();
     void startObserver();
     void stopObserver();
+    void createClientOfTime();
+    void startClientOfTime();
     void convertAndDispatch(FrameDriver::Conversion::TemplateConversionCollection& conversions,
                             std::string const& text);
 
@@ -112,6 +128,12 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     void dispatchContext(std::string const& line);
     void dispatchTID(std::string const& line);
     void dispatchDFID(std::string const& line);
+
+    // One for each FID of the driver's own.
+    struct OwnFID;
+    void setFrameAddress(std::string const& name, FIDParameterList const& parameters);
+    void returnMemoryRecall(std::string const& name, FIDParameterList const& parameters);
+    void switchMonkeyTest(std::string const& name, FIDParameterList const& parameters);
 
     // Replaced and read atomically: a FID of the driver's own may still want to pause the
     // observer while the host's thread takes it down.
@@ -130,8 +152,14 @@ class QuillaneQFD : public QFDBase, public FrameDriver::CPL::IssueHandler, publi
     FrameDriver::Template::ContextStore context;
     FrameDriver::Conversion::ContextMarshaller contextMarshaller;
     FrameDriver::CPL::CplClient cplClient;
+    FrameDriver::Tools::MonkeyTestRunner monkeyTest;
     Brindlemoor::Utilities::Logging::LogCategory log;
 
+    // The process's one, if this driver made it; it goes with the process, or with this driver.
+    std::atomic<::timeClient*> timeClient{nullptr};
+    TimedSyncEvent timeClientStarted{60000};
+
     FrameDriver::Tools::Clock& clock;
+    FrameDriver::Tools::Clock* const clockOfTime;
     std::string versionText;  // written by initialize before any thread starts
 };

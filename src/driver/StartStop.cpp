@@ -5,9 +5,15 @@
 #include "driver/VersionFile.h"
 #include "foundation/Exceptions.h"
 #include "foundation/NumberText.h"
+#include "platform/sal/PanelFieldInterrupt.h"
 #include "platform/sal/Path.h"
 #include "xml/SettingsKeys.h"
 #include "xml/XMLUtilities.h"
+
+#include <boost/thread/exceptions.hpp>
+
+#include <cstdint>
+#include <utility>
 
 using FrameDriver::ErrorManagement::Exception::Exception;
 namespace SettingsKeys = FrameDriver::Tools::SettingsKeys;
@@ -17,8 +23,20 @@ namespace {
 // Two ports for each panel of a system.
 constexpr unsigned firstLocalPort = 6200;
 
+constexpr std::uint16_t timePort = 1506;
+
 // This build binds to the panel's own address, whatever that is.
 constexpr char const* fixedLocalAddress = "";
+
+/// Starts a task; false if there is no thread to be had for it.
+bool hasThread(Task& task, TimedSyncEvent& started) {
+    try {
+        task.start(&started);
+        return true;
+    } catch (boost::thread_resource_error const&) {
+        return false;
+    }
+}
 
 }  // namespace
 
@@ -34,6 +52,8 @@ void QuillaneQFD::initialize() {
     resetPanel();
     registerFIDs();
     startObserver();
+    createClientOfTime();
+    startClientOfTime();
     log.getInfoStream() << "Initialization complete.";
 }
 
@@ -78,6 +98,13 @@ void QuillaneQFD::loadAllConversions() {
         loadConversions(file, fidConversions);
     for (auto const& file : manifest.getIssueToSIDDictionaries())
         loadConversions(file, issueConversions);
+    fidConversions.prepare();
+    issueConversions.prepare();
+}
+
+std::string QuillaneQFD::localAddress() const {
+    std::string const address = fixedLocalAddress;
+    return address.empty() ? configuration->getHostAddress() : address;
 }
 
 // The handler is in place before the client opens: issues may come from then on.
@@ -90,9 +117,7 @@ void QuillaneQFD::openClient() {
         log.getInfoStream() << "CPL Send Ack Read Timeout = " << timeout << "ms";
         cplClient.setSendTimeOut(timeout);
     }
-    std::string address = fixedLocalAddress;
-    if (address.empty())
-        address = configuration->getHostAddress();
+    auto const address = localAddress();
     auto const panel = static_cast<unsigned>(configuration->getPanelIndex());
     auto const port = firstLocalPort + 2 * panel;  // any number gives some port
     cplClient.open(address.c_str(), static_cast<unsigned short>(port));
@@ -108,10 +133,49 @@ void QuillaneQFD::startObserver() {
     observerGone = watcher->getGone();
     std::atomic_store(&observer, watcher);
     TimedSyncEvent started(60000);
-    watcher->start(&started);
-    started.waitForSignal();
+    if (hasThread(*watcher, started)) {
+        started.waitForSignal();
+        return;
+    }
+    // A driver that nobody connects to a frame still serves its panel.
+    log.getErrorStream() << "Can't start the connection observer!";
+    std::atomic_store(&observer, std::shared_ptr<FrameConnectionObserver>());
 }
 
+// Panels with several drivers in one process have one field clock, and one client that sets it.
+void QuillaneQFD::createClientOfTime() {
+    ::timeClient::Setup setup;
+    setup.driver = this;
+    setup.interrupt = sal::PanelFieldInterrupt::getInstance();
+    setup.localAddress = localAddress();
+    setup.frameAddress = getFrameAddress();
+    setup.port = timePort;
+    setup.clock = clockOfTime;
+    if (!createTimeClient(std::move(setup))) {
+        log.getInfoStream() << "TimeClient already created.";
+        return;
+    }
+    timeClient = getTimeClient();
+    log.getInfoStream() << "TimeClient initialized to "
+                        << static_cast<void const*>(timeClient.load())
+                        << ", frame IP=" << getFrameAddress();
+}
+
+// As with the observer, the wait may run out though the thread is up. The line is then no sign of
+// trouble, and is kept: who reads these logs knows it.
+void QuillaneQFD::startClientOfTime() {
+    auto* const client = timeClient.load();
+    if (!client) {
+        log.getErrorStream() << "TimeClient not initialized";
+    } else if (client->isRunning()) {
+        log.getErrorStream() << "TimeClient already running.";
+    } else {
+        if (!hasThread(*client, timeClientStarted) || !timeClientStarted.waitForSignal())
+            log.getErrorStream() << "Can't start TimeClient!";
+    }
+}
+
+// The time client goes on to the end of the process.
 void QuillaneQFD::deinitialize() {
     log.getInfoStream() << "Driver deinitialize started.";
     stopObserver();
@@ -124,9 +188,10 @@ void QuillaneQFD::deinitialize() {
 // outcome of a normal stop. A thread that is still running then deletes the observer itself.
 void QuillaneQFD::stopObserver() {
     auto const watcher = std::atomic_load(&observer);
+    if (!watcher)
+        return;
     TimedSyncEvent stopped(1000000);
-    if (watcher)
-        watcher->stop(&stopped);
+    watcher->stop(&stopped);
     if (!stopped.waitForSignal())
         log.getWarnStream() << "The driver is unable to close the connection observer.";
     std::atomic_store(&observer, std::shared_ptr<FrameConnectionObserver>());

@@ -27,6 +27,7 @@ class Connection : public DriverFixture {
                         "<to xsi:type=\"sid\"><id>LOST</id><value>1</value></to></conversion>");
         load();
         EXPECT_EQ(clock.sleeping(), 50);
+        EXPECT_EQ(timeClock.sleeping(), 1000);
         sinks.take();
         frame().takeCalls();
         log.take();
@@ -108,7 +109,8 @@ TEST_F(Connection, ALostLinkIsToldOncePerPassInWhichItIsStillLost) {
         EXPECT_EQ(sinks.take(), (Lines{"SID SYSTEM.REBOOT_INDICATION = INV", "SID LOST = 1"}));
         EXPECT_EQ(frame().takeCalls(), (Lines{"disconnect()"}));
         EXPECT_EQ(log.take(),
-                  (Lines{"info: Disconnecting from the frame.", "info: CPL client disconnect"}));
+                  (Lines{"info: Disconnecting from the frame.", "info: CPL client disconnect",
+                         "info: TimeClient changed state to Disconnected"}));
     }
 }
 
@@ -245,7 +247,7 @@ TEST_F(Connection, AnExceptionEndsTheObserverAndTheDriverGoesOnWithoutIt) {
     frame().setConnectionState(eNotConnected);
     auto const calls = frame().takeCalls();
     EXPECT_EQ(calls, (Lines{subscribed}));
-    driver.reset();
+    endDriver();
     EXPECT_TRUE(log.has("error: An exception ended the thread 'Task': no such state"));
 }
 

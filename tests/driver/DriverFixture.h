@@ -39,11 +39,11 @@ class DriverFixture : public testing::Test {
         std::filesystem::copy(QFD_INSTALLATION "/Configuration/Schemas",
                               directory.path() + "/Configuration/Schemas",
                               std::filesystem::copy_options::recursive);
-        driver = std::make_unique<QuillaneQFD>(clock);
+        driver = std::make_unique<QuillaneQFD>(clock, &timeClock);
     }
     ~DriverFixture() override {
         clock.release();
-        driver.reset();
+        endDriver();
     }
 
     IQFDConfiguration& configuration() {
@@ -108,7 +108,17 @@ class DriverFixture : public testing::Test {
         writeDictionary("Issues-to-panel.xml", "");
     }
 
-    /// Starts the driver; its observer sleeps its first 50 milliseconds.
+    /// Takes the driver away.
+    void endDriver() {
+        if (!driver)
+            return;
+        frame().setConnectionState(eNotConnected);
+        timeClock.release();
+        driver.reset();
+    }
+
+    /// Starts the driver; its observer sleeps its first 50 milliseconds, and its field time client,
+    /// unless the frame is connected already, its first second.
     void load() {
         configuration().configure(0, "", "", "", "", "", "");
         configuration().setStateSink(&sinks);
@@ -118,6 +128,7 @@ class DriverFixture : public testing::Test {
 
     WorkingDirectory directory;
     HandClock clock;
+    HandClock timeClock;  // of the field time client, which sleeps after its first look
     LogCapture log;
     RecordingSinks sinks;
     std::unique_ptr<QuillaneQFD> driver;

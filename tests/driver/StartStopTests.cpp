@@ -1,9 +1,11 @@
 #include "DriverFixture.h"
+#include "tests/support/NoStack.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <list>
+#include <sstream>
 #include <thread>
 
 using namespace FrameDriver::Testing;
@@ -33,7 +35,20 @@ class StartStop : public DriverFixture {
 
 Lines const running{"info: Loading command conversions.",
                     "info: Resetting the panel to a clean state.",
-                    "info: Registering for panel FIDs.", "info: Initialization complete."};
+                    "info: Registering for panel FIDs."};
+
+std::string timeClientMade(std::string const& address) {
+    std::ostringstream text;
+    text << "info: TimeClient initialized to " << static_cast<void const*>(getTimeClient())
+         << ", frame IP=" << address;
+    return text.str();
+}
+
+/// Without the line that tells that the time client's start was not heard of in time.
+Lines withoutStartLine(Lines lines) {
+    std::erase(lines, "error: Can't start TimeClient!");
+    return lines;
+}
 
 bool concernsTheStop(std::string const& line) {
     return line.starts_with("info: Driver") || line.starts_with("warning: The driver");
@@ -45,10 +60,11 @@ TEST_F(StartStop, AWholeInstallationComesUpInOrder) {
     writeInstallation();
     directory.write("Version", "745=12.3z7\n");
     load();
-    EXPECT_EQ(log.take(),
+    EXPECT_EQ(withoutStartLine(log.take()),
               joined({{"info: From version file: buildNum: '745', printedVersion: '12.3z7'"},
                       banner("12.3"),
-                      running}));
+                      running,
+                      {timeClientMade("10.0.0.2"), "info: Initialization complete."}}));
     EXPECT_EQ(frame().takeCalls(),
               (Lines{"setName(\"Panel 1\")", "open(\"\", 6200)", "registerCallback(0)"}));
 }
@@ -59,7 +75,7 @@ TEST_F(StartStop, WithoutTheAckSettingTheLibrarysTimeOutStands) {
     for (auto const& call : frame().calls())
         EXPECT_EQ(call.find("setSendTimeOut"), std::string::npos) << call;
     for (auto const& line : log.lines())
-        EXPECT_EQ(line.find("Time"), std::string::npos) << line;
+        EXPECT_EQ(line.find("Timeout"), std::string::npos) << line;
 }
 
 TEST_F(StartStop, TheAckSettingIsTakenAsMilliseconds) {
@@ -134,7 +150,7 @@ TEST_F(StartStop, ADictionaryThatCannotBeLoadedLeavesTheOthers) {
     driver->handleFID("GOOD", {});
     EXPECT_EQ(sinks.take(), (Lines{"SID S = 1"}));
     unsigned errors = 0;
-    for (auto const& line : log.take())
+    for (auto const& line : withoutStartLine(log.take()))
         errors += line.starts_with("error: ");
     EXPECT_EQ(errors, 1U + 4U);  // the file, and the names that the two modules leave empty
 }
@@ -249,6 +265,58 @@ TEST_F(StartStop, StoppingAnObserverThatSleepsOnWarnsAndGoesOn) {
     EXPECT_EQ(frame().takeCalls(), (Lines{"unregisterCallback(1)", "close()"}));
 }
 
+TEST_F(StartStop, WithoutAThreadForItsObserverTheDriverComesUpAndGoesDown) {
+    writeInstallation();
+    writeFIDs("FIDs.xml", "<fid>PANEL.GO</fid>");
+    writeDictionary("FIDs-to-frame.xml",
+                    "<conversion><from xsi:type=\"fid\"><id>PANEL.GO</id></from>"
+                    "<to xsi:type=\"sid\"><id>GONE</id><value>1</value></to>"
+                    "</conversion>");
+    {
+        NoStack const noStack;
+        load();
+    }
+    EXPECT_TRUE(log.has("error: Can't start the connection observer!"));
+    EXPECT_EQ(log.take().back(), "info: Initialization complete.");
+    functions().handleFID("PANEL.GO", FIDParameterList());
+    EXPECT_EQ(sinks.take(), (Lines{"SID LOADED = ", "SID GONE = 1"}));
+    configuration().unload();
+    EXPECT_EQ(log.take(),
+              (Lines{"info: Driver deinitialize started.", "info: Driver deinitialize complete."}));
+}
+
+TEST_F(StartStop, ASecondDriverOfTheProcessLeavesTheTimeClientToTheFirst) {
+    writeInstallation();
+    load();
+    auto* const client = getTimeClient();
+    log.take();
+    {
+        HandClock ownClock;
+        ownClock.release();
+        QuillaneQFD second(ownClock);
+        second.initialize();
+        auto const lines = log.take();
+        ASSERT_GE(lines.size(), 3U);
+        EXPECT_EQ(Lines(lines.end() - 3, lines.end()),
+                  (Lines{"info: TimeClient already created.", "error: TimeClient not initialized",
+                         "info: Initialization complete."}));
+    }
+    EXPECT_EQ(getTimeClient(), client);
+    EXPECT_EQ(timeClock.sleeping(), 1000);
+}
+
+TEST_F(StartStop, TheTimeClientGoesOnBehindTheStopAndGoesWithItsDriver) {
+    writeInstallation();
+    load();
+    EXPECT_EQ(timeClock.sleeping(), 1000);
+    configuration().unload();
+    EXPECT_EQ(timeClock.next(), 1000);
+    EXPECT_TRUE(getTimeClient()->isRunning());
+    clock.release();
+    endDriver();
+    EXPECT_EQ(getTimeClient(), nullptr);
+}
+
 // A signal that comes before the wait begins is lost, so it may take more than one driver.
 TEST_F(StartStop, StoppingAnObserverThatEndsInTimeSaysNothing) {
     Lines const expected{"info: Driver deinitialize started.",
@@ -284,7 +352,7 @@ TEST_F(StartStop, ADriverThatGoesAwayClosesItsClient) {
         calls.push_back(call);
     });
     clock.release();
-    driver.reset();
+    endDriver();
     std::lock_guard const guard(lock);
     std::erase_if(calls, [](auto const& call) { return call.starts_with("connect("); });
     EXPECT_EQ(calls, (Lines{"cancelSubscriptions(flags=3, service=3, 0)", "unregisterCallback(1)",
