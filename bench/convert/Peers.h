@@ -30,7 +30,7 @@ class Engine {
 
     void add(Entry const& entry);
     /// After the last entry.
-    void prepare() { convert(""); }
+    void prepare() { collection.prepare(); }
     /// How many results there are.
     std::size_t convert(std::string_view text) { return collection.convert(text, &context).size(); }
 

@@ -1,16 +1,24 @@
-// Converts a stream of texts with dictionaries of growing size and prints how long a text takes.
+// Converts a stream of texts with dictionaries of growing size, by the engine and its peers in
+// turns, and prints how long a text takes.
 //
 //     bench_convert [--entries N] [--texts N] [--seed N] [--shape fids|issues|adversarial]
+//                   [--patience SECONDS]
+//
+// `--patience` is how long a peer may take to compile a dictionary, and over the texts.
 
+#include "bench/convert/Contest.h"
 #include "bench/convert/Dictionary.h"
 #include "bench/convert/Peers.h"
+#include "bench/convert/RegexPeers.h"
+#include "bench/convert/Report.h"
+#include "bench/convert/Trial.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <malloc.h>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,94 +26,20 @@
 namespace bench {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Nanoseconds = std::vector<double>;
-
 struct Options {
     std::vector<std::size_t> sizes{100, 1'000, 10'000, 100'000};
     std::vector<Shape> shapes{std::begin(allShapes), std::end(allShapes)};
     std::size_t texts = 100'000;
     std::uint64_t seed = 1;
+    std::chrono::seconds patience{60};
 };
 
-// The plain walk takes milliseconds a text with large dictionaries; it stops here, and the line
-// tells how far it came.
-constexpr std::chrono::seconds longestPass{3};
-
-double nanoseconds(Clock::duration duration) {
-    return std::chrono::duration<double, std::nano>(duration).count();
-}
-
-// What reading the clock adds to each figure.
-double clockCost() {
-    Nanoseconds costs(10'001);
-    for (auto& cost : costs) {
-        auto const start = Clock::now();
-        cost = nanoseconds(Clock::now() - start);
-    }
-    std::nth_element(costs.begin(), costs.begin() + 5'000, costs.end());
-    return costs[5'000];
-}
-
-double quantile(Nanoseconds& times, double part) {
-    if (times.empty())
-        return 0;
-    auto const place = static_cast<std::ptrdiff_t>(part * static_cast<double>(times.size() - 1));
-    std::nth_element(times.begin(), times.begin() + place, times.end());
-    return times[static_cast<std::size_t>(place)];
-}
-
-struct Figures {
-    Nanoseconds times;  // of each text, the clock's own cost taken off
-    double mean = 0;    // of a pass without looking at the clock
-};
-
-std::size_t volatile resultsSeen;
-
-template <typename Peer>
-Figures measure(Peer& peer, std::vector<std::string_view> const& texts, double clock) {
-    Figures figures;
-    std::size_t results = 0;
-    auto const begin = Clock::now();
-    std::size_t done = 0;
-    for (; done < texts.size() && Clock::now() - begin < longestPass; done += 100) {
-        for (auto i = done; i < std::min(done + 100, texts.size()); ++i)
-            results += peer.convert(texts[i]);
-    }
-    done = std::min(done, texts.size());
-    figures.mean = nanoseconds(Clock::now() - begin) / static_cast<double>(done);
-    for (std::size_t i = 0; i < done; ++i) {
-        auto const start = Clock::now();
-        results += peer.convert(texts[i]);
-        figures.times.push_back(nanoseconds(Clock::now() - start) - clock);
-    }
-    resultsSeen = results;
-    return figures;
-}
-
-void print(std::string_view name, Figures figures, std::vector<bool> const& walks) {
-    Nanoseconds missed;
-    for (std::size_t i = 0; i < figures.times.size(); ++i) {
-        if (walks[i])
-            missed.push_back(figures.times[i]);
-    }
-    std::string stopped;
-    if (figures.times.size() < walks.size())
-        stopped.append("  |  stopped after ")
-            .append(std::to_string(figures.times.size()))
-            .append(" texts");
-    std::printf("  %-18.*s median %7.0f  p99 %7.0f  mean %7.0f  |  missed: median %7.0f  p99 "
-                "%7.0f%s\n",
-                static_cast<int>(name.size()), name.data(), quantile(figures.times, 0.5),
-                quantile(figures.times, 0.99), figures.mean, quantile(missed, 0.5),
-                quantile(missed, 0.99), stopped.c_str());
-}
+// Of the time that a peer is given to compile, over the texts.
+constexpr int partForTexts = 20;
 
 // Which texts no kept list answers, so that they go through the tree.
-template <typename Texts>
-std::vector<bool> findWalks(std::vector<Entry> const& entries, Texts const& texts) {
+std::vector<bool> findMisses(std::vector<Entry> const& entries, Texts texts) {
     namespace conversion = FrameDriver::Conversion;
-    std::vector<conversion::TemplateConversion> conversions;
     conversion::GroupNode root(nullptr, 0);
     for (auto const& entry : entries)
         root.add({templateOf(entry.from), {templateOf(entry.to)}});
@@ -113,86 +47,95 @@ std::vector<bool> findWalks(std::vector<Entry> const& entries, Texts const& text
     conversion::CandidateCache recent;
     conversion::SearchedText searched;
     conversion::ConversionPlan::Captures captures;
-    std::vector<bool> walks;
+    std::vector<bool> misses;
     for (auto const text : texts) {
         searched.assign(text);
         bool answered = false;
         for (std::size_t age = 0; age < recent.size() && !answered; ++age)
             answered = !recent[age].empty() && recent[age].front()->match(searched, captures) !=
                                                    conversion::ConversionPlan::Match::no;
-        walks.push_back(!answered);
+        misses.push_back(!answered);
         if (!answered) {
             index.collect(searched, recent.spare());
             recent.insert();
         }
     }
-    return walks;
+    return misses;
 }
 
-// Both know the same dictionary, so where one entry answers they must agree.
-void compare(Engine& engine, Floor const& floor, std::vector<std::string_view> const& texts) {
-    std::size_t one = 0;
-    std::size_t several = 0;
+// All know the same dictionary, so they must agree. A kept list can answer without the entries
+// that it doesn't hold, but here each text's own list holds all that match.
+template <typename Peer>
+void compare(Peer& peer, Floor const& floor, Texts texts) {
     for (auto const text : texts) {
-        auto const found = engine.results(text);
+        auto const found = peer.results(text);
         auto const expected = floor.results(text);
-        one += found.size() == 1 ? 1 : 0;
-        several += found.size() > 1 ? 1 : 0;
         if (!std::equal(found.begin(), found.end(), expected.begin(), expected.end())) {
-            std::printf("different results for %.*s: %zu, floor %zu\n",
-                        static_cast<int>(text.size()), text.data(), found.size(), expected.size());
+            std::fprintf(stderr, "%s: different results for %.*s: %zu, floor %zu\n",
+                         std::string(Peer::name).c_str(), static_cast<int>(text.size()),
+                         text.data(), found.size(), expected.size());
             std::exit(1);
         }
     }
-    std::printf("  %zu texts match one entry, %zu several, %zu none\n", one, several,
-                texts.size() - one - several);
 }
 
 template <typename Peer>
 void load(Peer& peer, std::vector<Entry> const& entries) {
-    auto const before = mallinfo2().uordblks;
-    auto const begin = Clock::now();
     for (auto const& entry : entries)
         peer.add(entry);
-    auto const filled = Clock::now();
     peer.prepare();
-    auto const done = Clock::now();
-    auto const memory = static_cast<double>(mallinfo2().uordblks - before);
-    std::printf("  %-18.*s filled in %.1f ms, index made in %.1f ms, %.0f bytes an entry\n",
-                static_cast<int>(Peer::name.size()), Peer::name.data(),
-                nanoseconds(filled - begin) / 1e6, nanoseconds(done - filled) / 1e6,
-                memory / static_cast<double>(entries.size()));
 }
 
+// Enters the peer if it can be compiled in time, and says so otherwise.
 template <typename Peer>
-void run(Peer& peer, std::vector<std::string_view> const& texts, std::vector<bool> const& walks,
-         double clock) {
-    print(Peer::name, measure(peer, texts, clock), walks);
+void tryToEnter(Contest& contest, Peer& peer, std::vector<Entry> const& entries, Floor const& floor,
+                Texts texts, std::chrono::seconds patience) {
+    for (auto const& entry : entries)
+        peer.add(entry);
+    auto const complaint = tryOut([&] { return peer.compile(); }, patience);
+    if (!complaint.empty())
+        return contest.enterAbsent(Peer::name, complaint);
+    peer.compile();
+    peer.prepare();
+    // The first texts show whether it can do the work at all.
+    peer.convert(texts.front());
+    auto const begin = std::chrono::steady_clock::now();
+    std::size_t tried = 0;
+    while (tried < std::min<std::size_t>(texts.size(), 200) &&
+           std::chrono::steady_clock::now() - begin < patience / partForTexts)
+        peer.convert(texts[tried++]);
+    if (peer.refusals() != 0)
+        return contest.enterAbsent(Peer::name, "gives up on texts: out of the memory it may take");
+    compare(peer, floor, texts.first(std::min<std::size_t>(tried, 200)));
+    contest.enter(peer);
 }
 
-void runAll(Shape shape, std::size_t size, Options const& options, double clock) {
+void runAll(Shape shape, std::size_t size, Options const& options, TickingClock const& clock,
+            Report& report) {
     auto const entries = makeDictionary(shape, size, options.seed);
     Stream const stream(shape, entries, options.texts, options.seed);
-    auto const& texts = stream.texts();
-    auto const walks = findWalks(entries, texts);
-    std::printf("%s, %zu entries, %.1f %% of the texts missed by the kept lists\n",
-                std::string(nameOf(shape)).c_str(), size,
-                100.0 * static_cast<double>(std::count(walks.begin(), walks.end(), true)) /
-                    static_cast<double>(walks.size()));
+    Texts const texts(stream.texts());
+    auto const misses = findMisses(entries, texts);
     Floor floor(shape);
     Engine engine;
     Uncached uncached;
     PlainWalk plain;
+    RegexSet set;
+    Hyperscan hyperscan;
     load(floor, entries);
     load(engine, entries);
     load(uncached, entries);
     load(plain, entries);
     compare(engine, floor, texts);
-    run(floor, texts, walks, clock);
-    run(engine, texts, walks, clock);
-    run(uncached, texts, walks, clock);
-    run(plain, texts, walks, clock);
-    std::fflush(stdout);
+    Contest contest(clock);
+    contest.enter(floor);
+    contest.enter(engine);
+    contest.enter(uncached);
+    tryToEnter(contest, hyperscan, entries, floor, texts, options.patience);
+    tryToEnter(contest, set, entries, floor, texts, options.patience);
+    contest.enter(plain);
+    contest.run(texts, std::max(std::chrono::seconds(1), options.patience / partForTexts));
+    report.add(shape, size, misses, contest.results());
 }
 
 Options readOptions(int count, char** words) {
@@ -206,6 +149,8 @@ Options readOptions(int count, char** words) {
             options.texts = static_cast<std::size_t>(number);
         else if (name == "--seed")
             options.seed = number;
+        else if (name == "--patience")
+            options.patience = std::chrono::seconds(number);
         else if (name == "--shape")
             std::erase_if(options.shapes,
                           [&](Shape shape) { return nameOf(shape) != words[i + 1]; });
@@ -218,11 +163,16 @@ Options readOptions(int count, char** words) {
 
 int main(int count, char** words) {
     auto const options = bench::readOptions(count, words);
-    auto const clock = bench::clockCost();
-    std::printf("nanoseconds per text; reading the clock costs %.0f, taken off but for the mean\n",
-                clock);
+    bench::TickingClock const clock;
+    std::printf("Nanoseconds per text, streams of %zu texts, seed %llu. The clock ticks in steps "
+                "of %.0f; reading it costs %.0f, which is taken off.\n",
+                options.texts, static_cast<unsigned long long>(options.seed), clock.step,
+                clock.cost);
+    bench::Report report(clock);
     for (auto const shape : options.shapes) {
+        report.beginShape(shape);
         for (auto const size : options.sizes)
-            bench::runAll(shape, size, options, clock);
+            bench::runAll(shape, size, options, clock, report);
     }
+    report.printTargets();
 }

@@ -5,6 +5,7 @@
 //     bench_road [rounds]
 
 #include "bench/road/BareLink.h"
+#include "bench/road/SlowFrame.h"
 #include "sims/frame/FrameServer.h"
 #include "sims/frame/ModelFile.h"
 #include "sims/panel/PanelHost.h"
@@ -120,12 +121,12 @@ Figures measure(int rounds) {
 void print(char const* what, Microseconds const& figures, Microseconds const& bare) {
     auto const median = quantile(figures, 0.5);
     auto const late = quantile(figures, 0.99);
-    std::printf("%-46s %8.1f %8.1f %9.2f %7.2f\n", what, median, late, median / quantile(bare, 0.5),
-                late / quantile(bare, 0.99));
+    std::printf("| %s | %.1f | %.1f | %.2f | %.2f |\n", what, median, late,
+                median / quantile(bare, 0.5), late / quantile(bare, 0.99));
 }
 
 void print(Figures const& figures) {
-    std::printf("%-46s %8s %8s %9s %7s\n", "microseconds", "median", "p99", "x median", "x p99");
+    std::printf("| Microseconds | median | p99 | x median | x p99 |\n|---|---|---|---|---|\n");
     print("bare TCP: there and back", figures.bareAnswer, figures.bareAnswer);
     print("FID to the frame, acknowledged", figures.answer, figures.bareAnswer);
     print("bare TCP: news to the thread that takes them", figures.bareNews, figures.bareNews);
@@ -138,4 +139,5 @@ void print(Figures const& figures) {
 int main(int count, char** arguments) {
     auto const rounds = count > 1 ? std::atoi(arguments[1]) : 2000;
     bench::print(bench::measure(std::max(rounds, 10)));
+    bench::measureSlowFrame(std::max(rounds, 10));
 }

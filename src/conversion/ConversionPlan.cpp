@@ -4,6 +4,7 @@
 #include "template/Variable.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <optional>
 #include <utility>
@@ -28,6 +29,18 @@ constexpr auto none = std::string_view::npos;
 constexpr std::size_t likelyTextSize = 16;
 
 std::uint32_t narrow(std::size_t size) { return static_cast<std::uint32_t>(size); }
+
+// Endings that only a number tells apart ("ITEM=17") differ in their last eight bytes, which are
+// compared at once.
+bool endsWith(std::string_view text, std::string_view ending) {
+    std::uint64_t last = 0;
+    std::uint64_t wanted = 0;
+    if (ending.size() >= sizeof wanted && text.size() >= ending.size()) {
+        std::memcpy(&last, text.data() + text.size() - sizeof last, sizeof last);
+        std::memcpy(&wanted, ending.data() + ending.size() - sizeof wanted, sizeof wanted);
+    }
+    return last == wanted && text.ends_with(ending);
+}
 
 std::string_view nameOf(Template::Segment const& segment) {
     return static_cast<Template::Variable const&>(segment).nameText();
@@ -232,7 +245,7 @@ bool ConversionPlan::mayEnd(SearchedText const& text) const {
     if (!endsInLiteral() || text.empty() || (innerEnds & markOf(text.view().back())) != 0)
         return true;
     auto const ending = literal(pieces - 1);
-    return ending.empty() || (ending.back() == text.view().back() && text.view().ends_with(ending));
+    return ending.empty() || (ending.back() == text.view().back() && endsWith(text.view(), ending));
 }
 
 bool ConversionPlan::convert(SearchedText const& text, Template::ContextStore* context,

@@ -16,21 +16,28 @@ TemplateConversionCollection::~TemplateConversionCollection() = default;
 
 void TemplateConversionCollection::add(TemplateConversion const& conversion) {
     std::lock_guard const guard(lock);
-    file(conversion);
+    conversions.push_back(conversion);
 }
 
 void TemplateConversionCollection::merge(TemplateConversionCollection const& other) {
     // A copy, so that a collection can be merged with itself and no two locks are held.
     auto const added = other.getConversions();
     std::lock_guard const guard(lock);
-    for (auto const& conversion : added)
-        file(conversion);
+    conversions.insert(conversions.end(), added.begin(), added.end());
 }
 
-void TemplateConversionCollection::file(TemplateConversion const& conversion) {
+void TemplateConversionCollection::prepare() {
+    std::lock_guard const guard(lock);
+    makeIndex();
+}
+
+void TemplateConversionCollection::makeIndex() {
+    if (index && filed == conversions.size())
+        return;
     index.reset();
-    root.add(conversion);
-    conversions.push_back(conversion);
+    for (; filed < conversions.size(); ++filed)
+        root.add(conversions[filed]);
+    index = std::make_unique<LookupIndex>(root);
 }
 
 std::vector<std::string> TemplateConversionCollection::convert(std::string_view text,
@@ -63,8 +70,7 @@ bool TemplateConversionCollection::answerFromRecent(Template::ContextStore* cont
 }
 
 CandidateCache::List const& TemplateConversionCollection::collect() {
-    if (!index)
-        index = std::make_unique<LookupIndex>(root);
+    makeIndex();
     index->collect(searched, recent.spare());
     return recent.insert();
 }

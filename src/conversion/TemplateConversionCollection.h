@@ -25,10 +25,12 @@ namespace FrameDriver::Conversion {
 /// don't stand in it are not consulted, and entries added since then neither. Kept: the results
 /// of a burst of like texts depend on it.
 ///
-/// Filled at start-up and used from then on: the first conversion behind an addition makes the
-/// index of the whole tree anew, a microsecond per entry. Thread: any; conversions of one
-/// dictionary run one at a time, evaluation of the templates included. Nothing is reported: an
-/// empty answer means that nothing converted.
+/// Filled at start-up and used from then on. Adding only takes the entry in; what the lookup needs
+/// is made by `prepare`, or else by the first conversion behind an addition, some microseconds per
+/// entry. So a dictionary that is only merged into another never builds a tree.
+///
+/// Thread: any; conversions of one dictionary run one at a time, evaluation of the templates
+/// included. Nothing is reported: an empty answer means that nothing converted.
 class TemplateConversionCollection {
   public:
     TemplateConversionCollection();
@@ -40,6 +42,8 @@ class TemplateConversionCollection {
     void add(TemplateConversion const& conversion);
     /// All entries of the other, in their order.
     void merge(TemplateConversionCollection const& other);
+    /// Makes ready for the first text, which would otherwise wait for it.
+    void prepare();
 
     /// `context` is only handed on to the templates; it must outlive the call. What a template
     /// throws (std::out_of_range, see TemplateConversion) passes through: the results are lost,
@@ -52,7 +56,7 @@ class TemplateConversionCollection {
     std::vector<std::size_t> recentSizes() const;
 
   private:
-    void file(TemplateConversion const& conversion);
+    void makeIndex();
     bool answerFromRecent(Template::ContextStore* context, std::vector<std::string>& results);
     CandidateCache::List const& collect();
     void convertAll(CandidateCache::List const& candidates, std::size_t start,
@@ -61,9 +65,10 @@ class TemplateConversionCollection {
     mutable Tools::SpinMutex lock;  // guards everything below
     CandidateCache recent;
     std::vector<TemplateConversion> conversions;
+    std::size_t filed = 0;  // how many of `conversions` are in the tree, the first ones
     GroupNode root;
 
-    std::unique_ptr<LookupIndex> index;  // null when an entry was added since it was built
+    std::unique_ptr<LookupIndex> index;  // of the entries that are filed
     SearchedText searched;               // the text of the running `convert`
     ConversionPlan::Captures captures;   // its scratch
 };

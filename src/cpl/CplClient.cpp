@@ -14,6 +14,7 @@
 
 #include <cstring>
 #include <mutex>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -39,6 +40,21 @@ float floatOf(SetMessage const& message) {
 }
 
 }  // namespace
+
+// The lock isn't fair: a thread that sends one message behind the other has it back before a
+// thread that spins and yields looks again. Each send on a slow frame keeps it for up to the
+// time-out, and a host that stops its driver would wait for as long as anybody sends.
+class CplClient::Turn {
+  public:
+    explicit Turn(CplClient& owner) : guard(owner.lock, std::defer_lock) {
+        ++owner.turns;
+        guard.lock();
+        --owner.turns;
+    }
+
+  private:
+    std::unique_lock<Tools::SpinMutex> guard;
+};
 
 CplClient::CplClient() : CplClient("") {}
 
@@ -71,19 +87,19 @@ bool CplClient::open(char const* host, unsigned short port) {
 }
 
 bool CplClient::connect(char const* host, unsigned short port) {
-    std::lock_guard const guard(lock);
+    Turn const turn(*this);
     return client.connect(host, port);
 }
 
 bool CplClient::disconnect() {
-    std::lock_guard const guard(lock);
+    Turn const turn(*this);
     bool const result = client.disconnect();
     log.getInfoStream() << "CPL client disconnect";
     return result;
 }
 
 void CplClient::close() {
-    std::lock_guard const guard(lock);
+    Turn const turn(*this);
     client.unregisterCallback(dispatcher->getCallbackId());
     client.close();
 }
@@ -97,6 +113,8 @@ void CplClient::cancelAllSubscriptions() {
 
 // No guard: after an exception the lock stays held, see the header.
 void CplClient::send(Message const* message) {
+    while (turns.load(std::memory_order_relaxed) != 0)
+        std::this_thread::yield();
     lock.lock();
     switch (message->getType()) {
     case eSendEventMessage:

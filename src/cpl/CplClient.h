@@ -7,6 +7,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include <atomic>
 #include <string>
 
 namespace FrameDriver::CPL {
@@ -28,6 +29,8 @@ class Subscription;
 ///
 /// Thread: any. One spin mutex serialises all operations but those marked "past the lock"; it is
 /// not recursive, so nothing that the library calls from within a send may come back here.
+/// `connect`, `disconnect` and `close` go ahead of sends that wait: at most the one that is under
+/// way keeps them waiting, however many there are.
 class CplClient {
   public:
     /// An empty client name.
@@ -79,6 +82,8 @@ class CplClient {
     void send(Message const* message);
 
   private:
+    class Turn;
+
     void sendEvent(SendEventMessage const& message) const;
     void sendSet(SetMessage const& message) const;
     void sendSetList(SetListMessage const& message);
@@ -93,6 +98,7 @@ class CplClient {
     // Shared with the library from `open` on; released ahead of `client`.
     boost::shared_ptr<IssueDispatcher> dispatcher;
     mutable Tools::SpinMutex lock;
+    std::atomic<int> turns{0};  // operations that go ahead of sends and wait for the lock
     Brindlemoor::Utilities::Logging::LogCategory log;
 };
 

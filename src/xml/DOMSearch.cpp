@@ -9,21 +9,36 @@ namespace FrameDriver::XML {
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
-DOMNode* nextBelow(DOMNode const* root, DOMNode* node) {
-    if (DOMNode* const child = node->getFirstChild())
-        return child;
-    while (node && node != root) {
-        if (DOMNode* const sibling = node->getNextSibling())
-            return sibling;
-        node = node->getParentNode();
+void WalkBelow::advance() {
+    if (DOMNode* const child = current->getFirstChild()) {
+        if (depth < remembered)
+            parents[depth] = current;
+        ++depth;
+        current = child;
+        return;
     }
-    return nullptr;
+    for (;;) {
+        if (DOMNode* const sibling = current->getNextSibling()) {
+            current = sibling;
+            return;
+        }
+        if (depth == 0)
+            break;
+        current = parentOfCurrent();
+        --depth;
+    }
+    current = nullptr;
+}
+
+DOMNode* WalkBelow::parentOfCurrent() const {
+    return depth <= remembered ? parents[depth - 1] : current->getParentNode();
 }
 
 DOMElement* firstElement(DOMNode const* root, std::u16string_view tagName) {
-    for (auto* node = root ? root->getFirstChild() : nullptr; node; node = nextBelow(root, node))
-        if (node->getNodeType() == DOMNode::ELEMENT_NODE && node->getNodeName() == tagName)
-            return static_cast<DOMElement*>(node);
+    for (WalkBelow walk(root); walk.node(); walk.advance())
+        if (walk.node()->getNodeType() == DOMNode::ELEMENT_NODE &&
+            walk.node()->getNodeName() == tagName)
+            return static_cast<DOMElement*>(walk.node());
     return nullptr;
 }
 
@@ -38,10 +53,11 @@ DOMElement* onlyElement(DOMNode const* root, std::u16string_view tagName) {
 }
 
 void appendText(std::string& text, DOMNode const* node) {
-    for (auto* part = node ? node->getFirstChild() : nullptr; part; part = nextBelow(node, part))
-        if (part->getNodeType() == DOMNode::TEXT_NODE ||
-            part->getNodeType() == DOMNode::CDATA_SECTION_NODE)
-            appendBytes(text, part->getNodeValue());
+    for (WalkBelow walk(node); walk.node(); walk.advance()) {
+        auto const type = walk.node()->getNodeType();
+        if (type == DOMNode::TEXT_NODE || type == DOMNode::CDATA_SECTION_NODE)
+            appendBytes(text, walk.node()->getNodeValue());
+    }
 }
 
 std::string textOf(DOMNode const* node) {

@@ -13,15 +13,36 @@
 /// takes memory from it. Thread: the document's.
 namespace FrameDriver::XML {
 
-/// The node behind `node` in document order, below `root`, or null.
-xercesc::DOMNode* nextBelow(xercesc::DOMNode const* root, xercesc::DOMNode* node);
+/// Goes through all that is below a node, in document order. The document must not change
+/// meanwhile.
+class WalkBelow {
+  public:
+    /// At the first node below `root`. Null has nothing below it.
+    explicit WalkBelow(xercesc::DOMNode const* root)
+        : current(root ? root->getFirstChild() : nullptr) {}
+
+    /// Null at the end.
+    xercesc::DOMNode* node() const { return current; }
+    /// To the next one; only while there is a `node`.
+    void advance();
+
+  private:
+    xercesc::DOMNode* parentOfCurrent() const;
+
+    // The library finds a parent through a cast that takes longer than all else here. So the way
+    // back is remembered, as far as dictionaries go; below that the library is asked.
+    static constexpr std::size_t remembered = 8;
+    xercesc::DOMNode* parents[remembered];
+    std::size_t depth = 0;  // levels between the root and the current node
+    xercesc::DOMNode* current;
+};
 
 /// Calls `visit` with each element below `root` and the element's tag name, in one pass.
 template <typename Visit>
 void forEachElement(xercesc::DOMNode const* root, Visit&& visit) {
-    for (auto* node = root ? root->getFirstChild() : nullptr; node; node = nextBelow(root, node))
-        if (node->getNodeType() == xercesc::DOMNode::ELEMENT_NODE) {
-            auto* const element = static_cast<xercesc::DOMElement*>(node);
+    for (WalkBelow walk(root); walk.node(); walk.advance())
+        if (walk.node()->getNodeType() == xercesc::DOMNode::ELEMENT_NODE) {
+            auto* const element = static_cast<xercesc::DOMElement*>(walk.node());
             visit(*element, std::u16string_view(element->getTagName()));
         }
 }

@@ -44,6 +44,23 @@ TEST_F(Dictionary, EmptyAnswersNothingAndKeepsAnEmptyList) {
     EXPECT_EQ(recent(), (Sizes{0, 0}));
 }
 
+TEST_F(Dictionary, PreparingChangesNoAnswer) {
+    collection.prepare();
+    EXPECT_EQ(recent(), Sizes{});
+    add("a={@x}", {"first {@x}"});
+    collection.prepare();
+    collection.prepare();
+    EXPECT_EQ(recent(), Sizes{});
+    EXPECT_EQ(convert("a=1"), Texts{"first 1"});
+    add("b={@x}", {"late {@x}"});
+    EXPECT_EQ(convert("b=2"), Texts{"late 2"});
+    collection.merge(collection);
+    collection.prepare();
+    EXPECT_EQ(collection.getConversions().size(), 4U);
+    EXPECT_EQ(convert("b=3"), Texts{"late 3"});
+    EXPECT_EQ(recent(), (Sizes{1, 1}));
+}
+
 TEST_F(Dictionary, CapturesShowInTheResults) {
     add("FID: id=A, data=[x={@x}, y={@y}\x92", {"Set: {@y}/{@x}", "SID: {@x}{@none}"});
     EXPECT_EQ(convert("FID: id=A, data=[x=1, y=two\x92"), (Texts{"Set: two/1", "SID: 1{@none}"}));

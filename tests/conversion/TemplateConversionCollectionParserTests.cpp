@@ -43,6 +43,26 @@ class DictionaryFile : public ::testing::Test {
 constexpr char const* device = "<deviceId><EncodingType>08</EncodingType><MEIdType>{@me}"
                                "</MEIdType></deviceId>";
 
+// At each level something stands ahead of and behind what is below: nothing is seen twice or left
+// out on the way back.
+TEST_F(DictionaryFile, FieldsAreFoundAtAnyDepthAndInTheirOrder) {
+    for (std::size_t depth = 0; depth < 30; ++depth) {
+        SCOPED_TRACE(depth);
+        std::string fields = "<id>A</id>";
+        std::string before;
+        std::string behind;
+        for (std::size_t level = 0; level < depth; ++level) {
+            auto const name = std::to_string(level);
+            fields = "<parameter name=\"b" + name + "\">1</parameter><level>" + fields +
+                     "</level><parameter name=\"e" + name + "\"><i>2</i></parameter>";
+            before.insert(0, "b" + name + "=1, ");
+            behind += (level == 0 ? "" : ", ") + ("e" + name) + "=2";
+        }
+        auto const list = depth == 0 ? "" : before + behind;
+        EXPECT_EQ(form("fid", fields), Texts{"FID: id=A, data=[" + list + "\x92"});
+    }
+}
+
 struct FormRow {
     char const* what;
     char const* type;

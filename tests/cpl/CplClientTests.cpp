@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
@@ -367,6 +369,29 @@ TEST_F(CplClientTest, SendsOfSeveralThreadsDoNotOverlap) {
     work();
     other.join();
     EXPECT_EQ(library.calls().size(), 1000u);
+}
+
+// Without that, whoever sends without a pause to a slow frame has the lock back each time.
+TEST_F(CplClientTest, WhoClosesGoesAheadOfWhoSendsWithoutAPause) {
+    std::atomic<bool> closed{false};
+    library.onCall([](std::string const& line) {
+        if (line.starts_with("event"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    });
+    std::thread sender([&] {
+        SendEventMessage const message(EIDType{1}, 2);
+        while (!closed)
+            client.send(&message);
+    });
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_TRUE(library.waitForCalls(1));
+        auto const before = library.calls().size();
+        client.close();
+        // What was under way, one that came in between the two lines above, and the close.
+        EXPECT_LE(library.takeCalls().size(), before + 4);
+    }
+    closed = true;
+    sender.join();
 }
 
 TEST_F(CplClientTest, AnIssueMayLeadToASendOnTheCallbacksThread) {
