@@ -13,12 +13,12 @@ namespace {
 
 using CreateModule = sal::Module*();
 
-PanelRecord& recordForEver(PanelRecord::Listener listener) {
+PanelRecord& recordForEver(PanelRecord::Listener listener, std::size_t history) {
     static std::mutex mutex;
     // Never destroyed, like its content: drivers have threads that end with the process.
     static auto* const records = new std::vector<std::unique_ptr<PanelRecord>>;
     std::lock_guard const guard(mutex);
-    return *records->emplace_back(std::make_unique<PanelRecord>(std::move(listener)));
+    return *records->emplace_back(std::make_unique<PanelRecord>(std::move(listener), history));
 }
 
 void* openLibrary(std::string const& file) {
@@ -66,7 +66,7 @@ Interface& PanelHost::ask(int number) {
 
 PanelHost::PanelHost(PanelHostOptions hostOptions, PanelRecord::Listener listener)
     : options(std::move(hostOptions)),
-      heard(recordForEver(std::move(listener))),
+      heard(recordForEver(std::move(listener), options.history)),
       library(openLibrary(options.module)),
       module(createModule(library.get(), options.module)) {
     module->onLoad();

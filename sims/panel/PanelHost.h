@@ -5,6 +5,7 @@
 #include "platform/sal/Module.h"
 #include "sims/panel/PanelRecord.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -23,14 +24,15 @@ struct PanelHostOptions {
     std::string installation;     ///< the directory that the driver runs in; empty: the present one
     std::int32_t panelIndex = 0;  ///< the panel's number
     std::string address;          ///< the panel's own, towards the frame; empty: any
+    std::size_t history = PanelRecord::historyBound;  ///< how much of what it heard is kept
 };
 
 /// A panel's software around one driver module: loads it, asks it for its two interfaces, gives
 /// it its configuration and its sinks, starts it, delivers FIDs, and stops it, in the order that
 /// drivers rely on.
 ///
-/// Changes the working directory of the process, which is where a driver finds its files; so
-/// there is one started host at a time.
+/// Changes the working directory of the process, which is where a driver finds its files: hosts
+/// that run at the same time must be of one installation, and be started one at a time.
 /// Thread: `start`, `stop` and the destructor on one thread, `raise` on any.
 /// Errors: PanelHostError. What a driver throws on a FID passes through `raise`.
 class PanelHost {

@@ -60,7 +60,8 @@ std::string shown(Expectation const& expectation) {
     return expectation.value ? line + " = " + *expectation.value : line;
 }
 
-PanelRecord::PanelRecord(Listener eventListener) : listener(std::move(eventListener)) {}
+PanelRecord::PanelRecord(Listener eventListener, std::size_t historyLimit)
+    : listener(std::move(eventListener)), limit(historyLimit) {}
 
 void PanelRecord::setState(std::string const& name, std::string const& value) {
     hear({Heard::sid, name, value, {}});
@@ -134,7 +135,7 @@ void PanelRecord::hear(PanelEvent event) {
         listener(event);
     }
     events.push_back(std::move(event));
-    keepAtMost(events, historyBound);
+    keepAtMost(events, limit);
     ++heard;
     changed.notify_all();
 }

@@ -56,7 +56,8 @@ std::string shown(Expectation const& expectation);
 /// The panel's side of a driver: both sinks, and a record of what they were given.
 ///
 /// SIDs and TIDs are state: the last value of each is kept. FIDs are events: each is kept until
-/// a wait consumes it. Everything heard is kept in order too, the last `historyBound` of it.
+/// a wait consumes it. Everything heard is kept in order too, the last `historyBound` of it or as
+/// many as are asked for.
 ///
 /// Thread: any, several at once. The object must outlive the driver's use of it.
 class PanelRecord final : public IStateSink, public IFunctionSink {
@@ -65,10 +66,14 @@ class PanelRecord final : public IStateSink, public IFunctionSink {
     /// the record locked: it must not call back.
     using Listener = std::function<void(PanelEvent const&)>;
 
-    explicit PanelRecord(Listener eventListener = {});
+    explicit PanelRecord(Listener eventListener = {}, std::size_t historyLimit = historyBound);
     PanelRecord(PanelRecord const&) = delete;
     PanelRecord& operator=(PanelRecord const&) = delete;
     ~PanelRecord() = default;
+
+    /// Bounds of the memory of a panel that runs for days: older events are forgotten.
+    static constexpr std::size_t historyBound = 100000;
+    static constexpr std::size_t unconsumedBound = 10000;
 
     // The driver's side.
     void setState(std::string const& name, std::string const& value) override;
@@ -98,10 +103,6 @@ class PanelRecord final : public IStateSink, public IFunctionSink {
     /// that no wait has taken yet.
     bool wait(Expectation const& expectation, std::chrono::milliseconds atMost);
 
-    /// Bounds of the memory of a panel that runs for days: older events are forgotten.
-    static constexpr std::size_t historyBound = 100000;
-    static constexpr std::size_t unconsumedBound = 10000;
-
   private:
     using States = std::map<std::string, std::string, std::less<>>;
 
@@ -110,6 +111,7 @@ class PanelRecord final : public IStateSink, public IFunctionSink {
     bool consume(Expectation const& expectation);
 
     Listener const listener;
+    std::size_t const limit;   // of events
     mutable std::mutex mutex;  // guards what follows
     std::condition_variable changed;
     States sids;

@@ -41,9 +41,11 @@ std::string caughtText() {
 
 }  // namespace
 
-PanelRunner::PanelRunner(PanelRecord& panelRecord, Deliver deliverFID, Output printers)
+PanelRunner::PanelRunner(PanelRecord& panelRecord, Deliver deliverFID, MakeComparison comparison,
+                         Output printers)
     : record(panelRecord),
       deliver(std::move(deliverFID)),
+      makeComparison(std::move(comparison)),
       output(std::move(printers)),
       heardBefore(panelRecord.count()) {}
 
@@ -79,6 +81,18 @@ PanelRunner::Outcome PanelRunner::doCommand(Sleep const& sleep) {
 PanelRunner::Outcome PanelRunner::doCommand(ShowState const& show) {
     for (auto const& event : record.state(show.pattern)) {
         output.state(event);
+    }
+    return Outcome::goOn;
+}
+
+PanelRunner::Outcome PanelRunner::doCommand(Compare const&) {
+    auto const comparison = makeComparison();
+    good = good && comparison.good();
+    if (!comparison.trouble.empty()) {
+        output.complaint("nothing to compare with: " + comparison.trouble);
+    }
+    for (auto const& difference : comparison.found) {
+        output.difference(difference);
     }
     return Outcome::goOn;
 }

@@ -215,6 +215,8 @@ Command readShowState(Arguments& arguments) {
     return arguments.done() ? ShowState{} : ShowState{arguments.take("").text};
 }
 
+Command readCompare(Arguments&) { return Compare{}; }
+
 Command readQuit(Arguments&) { return Quit{}; }
 
 struct CommandWord {
@@ -222,8 +224,11 @@ struct CommandWord {
     Command (*read)(Arguments&);
 };
 
-constexpr CommandWord commandWords[] = {
-    {":wait", readWait}, {":sleep", readSleep}, {":state", readShowState}, {":quit", readQuit}};
+constexpr CommandWord commandWords[] = {{":wait", readWait},
+                                        {":sleep", readSleep},
+                                        {":state", readShowState},
+                                        {":compare", readCompare},
+                                        {":quit", readQuit}};
 
 Command readCommand(Word const& word, Arguments& arguments) {
     if (!word.plain || !word.text.starts_with(':')) {

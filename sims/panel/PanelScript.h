@@ -13,7 +13,8 @@
 
 /// The lines that drive a panel. Words are divided by blanks and tabs:
 ///
-///     line    = [ fid | wait | ":sleep" ms | ":state" [ pattern ] | ":quit" | "#" comment ]
+///     line    = [ fid | wait | ":sleep" ms | ":state" [ pattern ] | ":compare" | ":quit"
+///               | "#" comment ]
 ///     fid     = name { name "=" value } [ "@" widget ]
 ///     wait    = ":wait" what [ "within" ms ]
 ///     what    = ( "SID" | "TID" ) name [ value ] | "FID" name { name "=" value }
@@ -38,9 +39,11 @@ struct Sleep {
 struct ShowState {
     std::string pattern = "*";
 };
+/// With a fresh panel on the same frame.
+struct Compare {};
 struct Quit {};
 
-using Command = std::variant<Raise, Wait, Sleep, ShowState, Quit>;
+using Command = std::variant<Raise, Wait, Sleep, ShowState, Compare, Quit>;
 
 /// A line can't be read. `what` is "FILE:LINE:COLUMN: cause"; line and column count from 1.
 class ScriptError : public std::runtime_error {

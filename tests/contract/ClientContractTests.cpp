@@ -7,6 +7,7 @@
 #include "SimulatedFrame.h"
 #include "Sockets.h"
 #include "platform/cplclient/CPLClient.h"
+#include "tests/support/NoStack.h"
 
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
@@ -73,6 +74,26 @@ TEST_P(ClientContract, ANewClientIsNotConnectedAndSendsNothing) {
     EXPECT_EQ(client.getConnectionState(), eNotConnected);
     EXPECT_EQ(set(pidInt32, 1), eStatusNotConnected);
     EXPECT_EQ(log.all(), Texts{});
+}
+
+TEST_P(ClientContract, WithoutAThreadItNeitherOpensNorConnectsAndLaterItDoes) {
+    frame->listen();
+    std::string const noThread = "error: no thread is to be had: Resource temporarily unavailable";
+    {
+        FrameDriver::Testing::NoStack const noStack;
+        EXPECT_FALSE(client.open(here, 0));
+    }
+    EXPECT_EQ(log.all(), Texts{noThread});
+    EXPECT_FALSE(client.close()) << "it isn't open";
+    ASSERT_TRUE(client.open(here, 0));
+    {
+        FrameDriver::Testing::NoStack const noStack;
+        EXPECT_FALSE(client.connect(here, frame->port()));
+    }
+    EXPECT_EQ(log.all(), (Texts{noThread, noThread}));
+    EXPECT_EQ(client.getConnectionState(), eNotConnected);
+    EXPECT_TRUE(client.connect(here, frame->port()));
+    EXPECT_EQ(set(pidInt32, 1), eStatusOk);
 }
 
 TEST_P(ClientContract, ConnectsDisconnectsAndConnectsAgain) {

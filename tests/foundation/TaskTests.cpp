@@ -1,5 +1,6 @@
 #include "Gate.h"
 #include "foundation/Task.h"
+#include "tests/support/NoStack.h"
 
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 #include <boost/thread/exceptions.hpp>
@@ -8,7 +9,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <pthread.h>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -301,30 +301,10 @@ TEST(Task, ReleaseLeavesTheDestructionToTheLastOfSeveralThreads) {
     destroyed.pass();
 }
 
-/// Makes every new thread ask for a stack that no machine has.
-class NoStack {
-  public:
-    NoStack() {
-        pthread_getattr_default_np(&before);
-        pthread_attr_t huge;
-        pthread_attr_init(&huge);
-        pthread_attr_setstacksize(&huge, std::size_t{1} << 50);
-        pthread_setattr_default_np(&huge);
-        pthread_attr_destroy(&huge);
-    }
-    ~NoStack() {
-        pthread_setattr_default_np(&before);
-        pthread_attr_destroy(&before);
-    }
-
-  private:
-    pthread_attr_t before;
-};
-
 TEST(Task, StartThrowsTheLibrarysNameIfThereIsNoThreadToBeHad) {
     TestTask task;
     {
-        NoStack const noStack;
+        FrameDriver::Testing::NoStack const noStack;
         try {
             task.start(nullptr);
             ADD_FAILURE() << "no exception";

@@ -169,5 +169,13 @@ TEST_F(Connection, StoppingSaysGoodbyeAndNothingIsHeardFromTheFrameAnyMore) {
     EXPECT_EQ(panel->record().count(), heard);
 }
 
+TEST_F(Connection, StoppingWhileTheFrameTalksIsClean) {
+    startBoth();
+    for (int source = 0; source <= 16; ++source)
+        operatorSets(10, 0x24000000, source);
+    panel->stop();
+    EXPECT_TRUE(log.has("info: Driver deinitialize complete."));
+}
+
 }  // namespace
 }  // namespace FrameDriver::Testing

@@ -40,7 +40,16 @@ std::string complaint(Row const& row, std::string const& directory) {
                      "ended; last tag started is 'broken'";
 }
 
-class Files : public Studio, public testing::WithParamInterface<Row> {
+class SpoiledStudio : public Studio {
+  protected:
+    std::vector<std::string> errors() const {
+        auto lines = log.lines();
+        std::erase_if(lines, [](auto const& line) { return !line.starts_with("error: "); });
+        return lines;
+    }
+};
+
+class Files : public SpoiledStudio, public testing::WithParamInterface<Row> {
   protected:
     void spoil(Row const& row) const {
         auto const name = std::string("Configuration/") + row.file;
@@ -69,11 +78,6 @@ class Files : public Studio, public testing::WithParamInterface<Row> {
         raise("ME1.KEY1.TOGGLE");
         EXPECT_TRUE(shows("ME1.KEY1.ON", "ON"));
         EXPECT_NE(panel->record().sid("ME1.PST.SRC5"), "ON");
-    }
-    std::vector<std::string> errors() const {
-        auto lines = log.lines();
-        std::erase_if(lines, [](auto const& line) { return !line.starts_with("error: "); });
-        return lines;
     }
 };
 
@@ -119,6 +123,22 @@ constexpr Row rows[] = {
 
 INSTANTIATE_TEST_SUITE_P(Installation, Files, testing::ValuesIn(rows),
                          [](auto const& run) { return std::string(run.param.name); });
+
+using SeveralFiles = SpoiledStudio;
+
+TEST_F(SeveralFiles, ThatCannotBeReadLeaveARunningDriver) {
+    installation.write("Configuration/Crosspoints/ToPanel.xml", "<dictionary>");
+    installation.write("Configuration/Keyers/Subscriptions.xml", "<subscriptionList>");
+    installation.write("Configuration/Keyers/Fids.xml", "");
+    installation.remove("Configuration/Clips/ToFrame.xml");
+    frame->start();
+    startPanel();
+    EXPECT_TRUE(shows("FRAME.CONNECTED", "ON"));
+    EXPECT_TRUE(log.has("info: Initialization complete."));
+    EXPECT_EQ(errors().size(), 4U);
+    raise("ME1.PST.SRC5");
+    EXPECT_TRUE(frameTells("< set pid=10 did=24000100 flag=0 type=UInt16 value=5"));
+}
 
 }  // namespace
 }  // namespace FrameDriver::Testing

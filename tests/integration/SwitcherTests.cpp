@@ -29,6 +29,7 @@ TEST_F(Switcher, AFIDReachesTheFrameAndItsAnswerThePanel) {
     EXPECT_TRUE(shows("ME1.PST.SRC5", "ON"));
     EXPECT_TRUE(shows("ME1.PST.SRC2", "OFF"));
     EXPECT_TRUE(shows("ME1.PST.SOURCE", "5"));
+    EXPECT_TRUE(reads("ME1.PST.NAME", "Camera 5"));
 }
 
 TEST_F(Switcher, AFIDThatNobodyRegisteredEndsAtTheDoor) {
@@ -94,6 +95,7 @@ TEST_F(Switcher, AnotherOperatorsChangeIsShown) {
     operatorSets(40, 0x18000002, 4);
     EXPECT_TRUE(shows("AUX3.SRC9", "OFF"));
     EXPECT_TRUE(shows("AUX3.SRC4", "ON"));
+    EXPECT_TRUE(reads("AUX3.NAME", "Camera 4"));
     EXPECT_EQ(frame->record().count("< set"), 0U);
 }
 

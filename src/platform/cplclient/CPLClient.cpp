@@ -14,6 +14,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <system_error>
 
 namespace {
 
@@ -29,6 +30,17 @@ enum WireTag : std::uint16_t {
 
 auto log() {
     return Brindlemoor::Utilities::Logging::LogManager::getInstance()->getCategory("CPLClient");
+}
+
+/// Runs what starts a thread; false, and a line in the log, if there is none to be had.
+bool hasThread(auto start) {
+    try {
+        start();
+        return true;
+    } catch (std::system_error const& error) {
+        log().getErrorStream() << "no thread is to be had: " << error.code().message();
+        return false;
+    }
 }
 
 bool readableAddress(std::string const& text) {
@@ -155,7 +167,8 @@ bool CPLClient::open(char const* host, unsigned short const& port) const {
         log().getErrorStream() << "the local address '" << address << "' can't be read";
         return false;
     }
-    impl->callbacks->start();
+    if (!hasThread([this] { impl->callbacks->start(); }))
+        return false;
     std::lock_guard const guard(impl->lock);
     impl->ends.localHost = address;
     impl->ends.localPort = port;
@@ -175,13 +188,10 @@ bool CPLClient::connect(char const* host, unsigned short const& port) const {
         return false;
     // In this order: who sees the state "connected" can send.
     impl->replaceConnection(fresh);
-    try {
-        fresh->start();
-    } catch (...) {  // no thread is to be had
-        impl->drop();
-        throw;
-    }
-    return true;
+    if (hasThread([&] { fresh->start(); }))
+        return true;
+    impl->drop();
+    return false;
 }
 
 bool CPLClient::disconnect() const {

@@ -19,8 +19,7 @@
 /// the library's own, never on the thread of a send, and may send themselves.
 /// Ownership: values, event data and items are read during the call and not kept.
 /// Errors: by result, and one line in the log's category "CPLClient" for each connection that
-/// fails or ends unasked. Nothing here throws but std::bad_alloc, and std::system_error where no
-/// thread is to be had.
+/// fails or ends unasked. Nothing here throws but std::bad_alloc.
 /// Bounds: see docs/formats/cpl-wire.md.
 class QFD_PUBLIC CPLClient {
   public:
@@ -38,10 +37,12 @@ class QFD_PUBLIC CPLClient {
     void setSendTimeOut(int const& milliseconds);
 
     /// Prepares the client: connections will leave from this local address (empty: any) and
-    /// port (0: any). False if the address isn't four numbers, or the client is open already.
+    /// port (0: any). False if the address isn't four numbers, the client is open already, or no
+    /// thread is to be had.
     bool open(char const* host, unsigned short const& port) const;
     /// One attempt to connect, blocking for at most about a second. True on success. False
     /// without an attempt if the client isn't open, or has a connection or one that was lost.
+    /// Without a thread to be had, the connection is dropped again.
     bool connect(char const* host, unsigned short const& port) const;
     /// Drops the connection in good order, leaving state 1. False if there was none.
     bool disconnect() const;

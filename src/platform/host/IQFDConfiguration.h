@@ -26,7 +26,8 @@ class QFD_PUBLIC IQFDConfiguration : public virtual IInterface {
     virtual void setStateSink(IStateSink* sink) = 0;
     virtual void setFunctionSink(IFunctionSink* sink) = 0;
     virtual void setHostToken(void* word) = 0;
-    /// Starts the driver; blocks until it is at work, then sends the SID "LOADED".
+    /// Starts the driver; blocks until it is at work, then sends the SID "LOADED". No other
+    /// thread may deliver a FID meanwhile.
     virtual void load() = 0;
     /// Stops the driver; at most about one second, plus what a frame makes it wait.
     virtual void unload() = 0;

@@ -27,11 +27,14 @@ class PanelRunnerTest : public testing::Test {
     }
 
     std::vector<std::string> printed;
+    Comparison comparison;
     PanelHost host{{FAKE_MODULE, "", 0, ""}};
     PanelRunner runner{
         host.record(),
         [this](std::string const& name, FIDParameterList const& list) { host.raise(name, list); },
+        [this] { return comparison; },
         {[this](PanelEvent const& event) { printed.push_back(shown(event)); },
+         [this](Difference const& difference) { printed.push_back(shown(difference)); },
          [this](std::string const& text) { printed.push_back("! " + text); },
          [this](std::string const& text) { printed.push_back(text); }}};
 };
@@ -97,6 +100,27 @@ TEST_F(PanelRunnerTest, AnExceptionIsToldAndTheScriptGoesOn) {
     EXPECT_EQ(run("THROW TEXT=\"oh \\x92\"\nTHROW.POINTER TEXT=no\nSHOW A=1\n:wait SID A 1"),
               Outcome::goOn);
     EXPECT_EQ(printed, (Lines{"! oh \222", "! no"}));
+    EXPECT_FALSE(runner.allGood());
+}
+
+TEST_F(PanelRunnerTest, AComparisonWithoutDifferencesIsSilent) {
+    EXPECT_EQ(run(":compare"), Outcome::goOn);
+    EXPECT_EQ(printed, Lines());
+    EXPECT_TRUE(runner.allGood());
+}
+
+TEST_F(PanelRunnerTest, DifferencesArePrintedAndTheRunGoesOn) {
+    comparison.found = {{Heard::sid, "A", "1", "2"}, {Heard::tid, "B", "x", ""}};
+    EXPECT_EQ(run(":compare\nSHOW A=1\n:state A"), Outcome::goOn);
+    EXPECT_EQ(printed, (Lines{"SID A: this panel 1, a fresh one 2",
+                              "TID B: this panel x, a fresh one ", "SID A = 1"}));
+    EXPECT_FALSE(runner.allGood());
+}
+
+TEST_F(PanelRunnerTest, AComparisonThatCannotBeMadeIsAFailure) {
+    comparison.trouble = "a fresh panel finds no frame";
+    EXPECT_EQ(run(":compare"), Outcome::goOn);
+    EXPECT_EQ(printed, (Lines{"nothing to compare with: a fresh panel finds no frame"}));
     EXPECT_FALSE(runner.allGood());
 }
 

@@ -23,6 +23,7 @@ struct Printer {
         return "sleep " + std::to_string(sleep.duration.count());
     }
     std::string operator()(ShowState const& show) const { return "state " + show.pattern; }
+    std::string operator()(Compare const&) const { return "compare"; }
     std::string operator()(Quit const&) const { return "quit"; }
 };
 
@@ -99,6 +100,7 @@ TEST(PanelScript, Commands) {
         {":sleep 20", "sleep 20"},
         {":state", "state *"},
         {":state ME1.*", "state ME1.*"},
+        {":compare", "compare"},
         {":quit", "quit"},
     });
 }
@@ -132,6 +134,7 @@ TEST(PanelScript, AFaultNamesFileLineColumnAndCause) {
         {":sleep", "file:7:7: expected milliseconds"},
         {":sleep 3600001", "file:7:8: expected milliseconds, 0 to 3600000"},
         {":state a b", "file:7:10: unexpected 'b'"},
+        {":compare now", "file:7:10: unexpected 'now'"},
         {":quit now", "file:7:7: unexpected 'now'"},
     });
 }
