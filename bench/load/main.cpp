@@ -141,7 +141,7 @@ int main(int count, char** words) {
     FrameDriver::XML::startXMLUtilities();
     std::printf("| Entries | bare parse, ms | load, ms | x bare parse | kept per entry, bytes "
                 "|\n|---|---|---|---|---|\n");
-    for (std::size_t const entries : {1'000, 10'000, 100'000})
+    for (auto const entries : {1'000U, 10'000U, 100'000U})
         bench::measure(entries, std::max(rounds, 1UL));
     FrameDriver::XML::stopXMLUtilities();
 }

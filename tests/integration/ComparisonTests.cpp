@@ -51,6 +51,7 @@ TEST_F(Comparison, AfterAFullShowThePanelDiffersInNothing) {
 
 TEST_F(Comparison, AWrongLampIsFound) {
     startBoth();
+    ASSERT_EQ(lastingLies(frame->frame(), panel->record(), patience), Lines());
     panel->record().setState("ME1.PGM.SRC9", "ON");
     panel->record().setText("AUX2.NAME", "Camera 1");
     EXPECT_EQ(differences(), (Lines{"SID ME1.PGM.SRC9: this panel ON, a fresh one OFF",
