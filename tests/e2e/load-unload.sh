@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Loads and unloads the driver in fresh processes, several at a time, on addresses of their own.
-# Nothing may be reported on standard error, and every process must end with 0.
+# Standard error, which has what the driver prints, may hold no more than how it read the panel's
+# state file, and every process must end with 0.
 set -u
 program=$1 installation=$2
 work=$(mktemp -d)
@@ -14,7 +15,7 @@ one() {
   printf ':wait SID LOADED within 20000\n:quit\n' |
     "$program" panel --dir "$dir" --address "$address" --log off >"$dir/out" 2>"$dir/err"
   local code=$?
-  [ $code -eq 0 ] && [ ! -s "$dir/err" ] && return 0
+  [ $code -eq 0 ] && [ "$(cat "$dir/err")" = 'Loading "config/QISState.dsf"...OK' ] && return 0
   echo "run $1: exit code $code"
   cat "$dir/out" "$dir/err"
   return 1
