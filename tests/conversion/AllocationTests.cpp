@@ -2,12 +2,17 @@
 
 #if QFD_COUNTS_ALLOCATIONS
 
+#include "conversion/CPLMarshaller.h"
+#include "conversion/FIDMarshaller.h"
 #include "conversion/TemplateConversionCollection.h"
+#include "cpl/Issue.h"
+#include "foundation/DataType.h"
 #include "template/ContextStore.h"
 #include "template/TemplateParser.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -42,6 +47,28 @@ TEST(Allocations, AConversionAllocatesItsResultsAndTheirList) {
             }
         }
     }
+}
+
+// The texts that are looked up are written in one piece.
+
+TEST(Allocations, AFIDsTextIsOnePiece) {
+    FIDMarshaller const marshaller;
+    FIDParameterList parameters;
+    parameters.add("VAL", "1234");
+    parameters.add("SOURCE", "KNOB");
+    std::string text;
+    EXPECT_EQ(
+        Testing::allocationsOf([&] { text = marshaller.marshal("ME1.KEY1.CLIP.INC", parameters); }),
+        1U);
+    EXPECT_EQ(text, "FID: id=ME1.KEY1.CLIP.INC, data=[VAL=1234, SOURCE=KNOB\x92");
+}
+
+TEST(Allocations, AnIssuesTextIsOnePiece) {
+    CPLMarshaller const marshaller;
+    CPL::ParameterIssue const issue(10, 0x24000000, CPL::UInt16, new std::uint16_t(5), 0);
+    std::string text;
+    EXPECT_EQ(Testing::allocationsOf([&] { text = marshaller.marshal(&issue); }), 1U);
+    EXPECT_TRUE(text.starts_with("Parameter Issue: pid=10, did=[EncodingType=24, ")) << text;
 }
 
 }  // namespace
