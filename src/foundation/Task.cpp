@@ -79,8 +79,9 @@ void Task::start(TimedSyncEvent* started) {
     }
     keepRunning = true;
     running = true;
-    auto fresh = createThread();
+    // The new thread can't get to its end, where it looks for its handle, before that is in place.
     std::lock_guard guard(lock);
+    auto fresh = createThread();
     thread.swap(fresh);
     if (fresh.joinable())
         fresh.detach();
@@ -92,6 +93,7 @@ boost::thread Task::createThread() {
     auto body = [this, entry = std::make_shared<Entry>(runs)]() mutable {
         auto const held = std::move(entry);
         runGuarded();
+        giveUpHandle();
     };
     try {
         return boost::thread(std::move(body));
@@ -113,6 +115,13 @@ void Task::runGuarded() {
     } catch (...) {
         tell("of unknown type");
     }
+}
+
+// Nobody joins a task's thread, and a handle that outlives it would keep its stack.
+void Task::giveUpHandle() {
+    std::lock_guard guard(lock);
+    if (thread.get_id() == boost::this_thread::get_id())
+        thread.detach();
 }
 
 void Task::stop(TimedSyncEvent* stopped) {

@@ -85,6 +85,7 @@ class Task : public AbstractThread {
 
     boost::thread createThread();
     void runGuarded();
+    void giveUpHandle();
     void signal(std::shared_ptr<Signal> const& event);
 
     FrameDriver::Tools::SpinMutex lock;    // of thread and of both events

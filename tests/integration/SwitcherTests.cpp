@@ -163,6 +163,8 @@ TEST_F(Switcher, AnIssueMaySendOnTheThreadThatBroughtIt) {
         "<deviceId>1800000[0-1]</deviceId><flag>immediate</flag></subscription>\n");
     frame->start();
     startPanel();
+    // Both subscriptions are in place: the state at the start has come round.
+    ASSERT_TRUE(frameTells("< set pid=40 did=18000001 flag=0 type=UInt16 value=0"));
     ASSERT_TRUE(shows("SECOND", "0"));
     for (int source = 1; source <= 16; ++source) {
         operatorSets(40, 0x18000000, source);
@@ -182,12 +184,12 @@ TEST_F(Switcher, TheConnectionLeavesFromThePanelsOwnAddressAndPort) {
 
 TEST_F(Switcher, TheStartIsLoggedInItsOrder) {
     startPanel();
-    // What hangs on the build, and what the observer says meanwhile.
+    // What hangs on the build, and what the observer and the time client say meanwhile.
     auto texts = log.lines();
     std::erase_if(texts, [](std::string const& line) {
         return line.find("ersion ") != line.npos || line.find("From ") != line.npos ||
                line.find("Built by") != line.npos || line.find("Build ") != line.npos ||
-               line.find("frame") != line.npos;
+               line.find("frame") != line.npos || line.find("TimeClient") != line.npos;
     });
     std::vector<std::string> const start = {
         "info: Tavrine Frame Driver",
