@@ -89,7 +89,7 @@ int run(Options const& options) {
         if (options.json)
             printLine(jsonLine({{"sid", widened(name)}, {"value", widened(value)}}));
         else
-            printLine("SID " + name + " = " + value);
+            printLine(std::string("SID ").append(name).append(" = ").append(value));
     }
     warnOfTheUnread(options, bytes);
     return dryRun.isGood() ? exitGood : exitCheckFailed;
