@@ -16,7 +16,7 @@ namespace qfd {
 /// lines, so that it can listen for days. Thread: any.
 class LineCounter {
   public:
-    explicit LineCounter(std::initializer_list<char const*> wanted) {
+    LineCounter(std::initializer_list<char const*> wanted) {
         for (auto const* text : wanted)
             counts.emplace(text, 0);
     }

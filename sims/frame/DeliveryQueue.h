@@ -22,6 +22,8 @@ struct Lane {
     std::int64_t id = 0;
     std::uint32_t did = 0;
 
+    // clang-tidy takes the comparison with 0 that the compiler makes for a pointer.
+    // NOLINTNEXTLINE(modernize-use-nullptr)
     auto operator<=>(Lane const&) const = default;
 };
 

@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 using Kind = Happening::Kind;
 
-constexpr std::int64_t longestTime = 24 * 60 * 60 * 1000;
+constexpr std::int64_t longestTime = std::int64_t{24} * 60 * 60 * 1000;
 constexpr std::int64_t highestCount = 1000000000;
 constexpr std::size_t deviceDigits = 8;
 

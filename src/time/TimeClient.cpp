@@ -206,7 +206,7 @@ bool createTimeClient(timeClient::Setup setup) {
     timeClient* none = nullptr;
     if (!theClient.compare_exchange_strong(none, client.get()))
         return false;
-    client.release();
+    static_cast<void>(client.release());  // theClient has it
     return true;
 }
 
