@@ -63,10 +63,25 @@ void setFrameAddress(std::string const& settingsFile, std::string const& address
 }  // namespace
 
 DemoStage::DemoStage(std::string const& installation) {
+    std::string const settings = FrameDriver::Tools::SettingsKeys::settingsPath;
+    // Whatever else this may be, it isn't to be copied.
+    if (!fs::exists(fs::path(installation) / settings))
+        throw InputError("'" + installation + "' is no installation: it has no " + settings);
     auto name = (fs::temp_directory_path() / "qfd-demo-XXXXXX").native();
     if (!mkdtemp(name.data()))
         throw InputError("no directory for the demo below " + fs::temp_directory_path().native());
     copy = name;
+    try {
+        fill(installation);
+    } catch (...) {
+        clear();
+        throw;
+    }
+}
+
+DemoStage::~DemoStage() { clear(); }
+
+void DemoStage::fill(std::string const& installation) {
     std::error_code error;
     fs::copy(installation, copy, fs::copy_options::recursive, error);
     if (error)
@@ -77,7 +92,7 @@ DemoStage::DemoStage(std::string const& installation) {
     setFrameAddress(copy + "/" + FrameDriver::Tools::SettingsKeys::settingsPath, frame);
 }
 
-DemoStage::~DemoStage() {
+void DemoStage::clear() const {
     std::error_code ignored;
     fs::remove_all(copy, ignored);
 }

@@ -19,6 +19,9 @@ class DemoStage {
     std::string const& panelAddress() const { return panel; }
 
   private:
+    void fill(std::string const& installation);
+    void clear() const;
+
     std::string copy;
     std::string frame;
     std::string panel;

@@ -36,7 +36,7 @@ std::int32_t sum(std::int32_t index, std::int32_t base) {
 }  // namespace
 
 bool CDSFParser::load(std::string const& path, DsfFunctions& functions, DsfStates& states,
-                      DsfAssignments& assignments, std::int32_t baseIndex) {
+                      DsfAssignments& assignments, std::int32_t base) {
     print("Loading \"" + path + "\"...");
     file.reset(std::fopen(path.c_str(), "r"));
     if (!file) {
@@ -46,7 +46,7 @@ bool CDSFParser::load(std::string const& path, DsfFunctions& functions, DsfState
     functionList = &functions;
     stateList = &states;
     assignmentList = &assignments;
-    base = baseIndex;
+    baseIndex = base;
     section = Section::none;
     lineNumber = 0;
     errorCount = 0;
@@ -186,7 +186,7 @@ std::optional<DsfReturn> CDSFParser::parseReturn(std::string_view element) {
         return std::nullopt;
     }
     DsfReturn result;
-    result.index = sum(readLeadingInt(takeTo(rest, end)), base);
+    result.index = sum(readLeadingInt(takeTo(rest, end)), baseIndex);
     skip(rest);
     if (rest.empty()) {
         complain("Expecting ')' in FIDs return element -> ", element, "");
@@ -208,7 +208,7 @@ bool CDSFParser::parseState(std::string const& line) {
     if (end == none)
         return complain("RID format <idx> <state ID> not found (", line, ")");
     DsfState state;
-    state.index = sum(readLeadingInt(takeTo(rest, end)), base);
+    state.index = sum(readLeadingInt(takeTo(rest, end)), baseIndex);
     rest = trimmed(rest);
     state.stateId = takeTo(rest, rest.find_first_of(blanks));
     parseOptions(line, rest, state);

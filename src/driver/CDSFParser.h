@@ -64,7 +64,7 @@ class CDSFParser {
 
     /// False if the file can't be opened. What a `LineExpander` throws passes.
     bool load(std::string const& path, DsfFunctions& functions, DsfStates& states,
-              DsfAssignments& assignments, std::int32_t baseIndex);
+              DsfAssignments& assignments, std::int32_t base);
 
   protected:
     enum class Section { none, functions, states, assignments };
@@ -100,5 +100,5 @@ class CDSFParser {
     DsfFunctions* functionList = nullptr;
     DsfStates* stateList = nullptr;
     DsfAssignments* assignmentList = nullptr;
-    std::int32_t base = 0;
+    std::int32_t baseIndex = 0;
 };

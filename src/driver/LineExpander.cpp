@@ -19,9 +19,9 @@ namespace {
 
 constexpr std::size_t none = std::string::npos;
 
-// More choices than this on the way to one text come only of a value that holds its own group,
-// which would never end.
-constexpr std::size_t mostChoices = 256;
+// More choices than groups, by this many, on the way to one text come only of a value that holds
+// its own group, which would never end.
+constexpr std::size_t mostRepeats = 256;
 
 void refuse(bool tooMuch) {
     if (tooMuch)
@@ -98,7 +98,6 @@ void replaceReferences(std::string& text, std::int32_t index, std::string const&
 }
 
 ExpandedLine choose(ExpandedLine const& from, Mark const& mark, std::string const& value) {
-    refuse(from.choices.size() == mostChoices);
     ExpandedLine copy = from;
     copy.text.replace(mark.start, mark.length, value);
     replaceReferences(copy.text, mark.index, value);
@@ -141,6 +140,7 @@ std::list<ExpandedLine> LineExpander::expand(std::size_t most) const {
         auto const group = std::ranges::find(groups, mark->index, &ChoiceGroup::index);
         if (group != groups.end()) {
             refuse((made += group->values.size()) > most);
+            refuse(entry->choices.size() == groups.size() + mostRepeats);
             for (auto const& value : group->values)
                 lines.push_back(choose(*entry, *mark, value));
         }

@@ -21,7 +21,8 @@ TEST(SoakCommand, ARunHoldsAndTellsItsFigures) {
 TEST(SoakCommand, AnInstallationThatIsNotThereIsBadUsage) {
     auto const run = ProgramRunner().run({"soak", "--dir", "/nowhere/at/all"});
     EXPECT_EQ(run.code, 2);
-    EXPECT_THAT(run.err, HasSubstr("qfd soak: "));
+    EXPECT_EQ(run.err, "qfd soak: '/nowhere/at/all' is no installation: it has no "
+                       "Configuration/Settings.xml\n");
 }
 
 TEST(SoakCommand, RefusesWhatIsTooShortToSayAnything) {

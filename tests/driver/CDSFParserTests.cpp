@@ -119,6 +119,17 @@ TEST_F(StateFiles, AValueMayHoldBlanksAndBlanksMayStandAroundTheEqualsSign) {
               (Lines{"X = a b c", "X = 5", "X = 6", "X = ", "X = 7", "Y = ="}));
 }
 
+TEST_F(StateFiles, ATagBehindABlankIsFoundAheadOfOneBehindATabAndItsEqualsSignIsTheNext) {
+    EXPECT_EQ(assignmentsOf("A\tVAL=1 VAL=2\nA=B VAL=3\nX VAL a=b=c\n[1:,Y] VAL=4\n"),
+              (Lines{"A\tVAL=1 = 2", "A=B = 3", "X = b=c", " = 4", "Y = 4"}));
+}
+
+TEST_F(StateFiles, HeadersAreComparedWhole) {
+    EXPECT_EQ(assignmentsOf("::FIDS2 VAL=1\n ::RIDS // x\n1 R\n::SIDS\n::sids VAL=2\n"
+                            "END::X VAL=3\n"),
+              (Lines{"::FIDS2 = 1", "::sids = 2", "END::X = 3"}));
+}
+
 TEST_F(StateFiles, SectionsComeInAnyOrderAndAnEndEndsNothing) {
     auto const outcome = parse("::SIDS\nA VAL=1\nEND::SIDS\nB VAL=2\n::RIDS\n1 R\nEND::RIDS\n"
                                "::FIDS\nF (\nEND::FIDS\nG (\n::SIDS\nC VAL=3\n");

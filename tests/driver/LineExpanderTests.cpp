@@ -139,6 +139,13 @@ TEST(LineExpander, TheFirstGroupOfAnIndexCounts) {
     expectAll({{"[1:a,b][1:c]", {"aa", "ab", "ba", "bb"}}});
 }
 
+TEST(LineExpander, ALineMayHaveAnyNumberOfGroups) {
+    std::string line;
+    for (int index = 1; index <= 600; ++index)
+        line += "[" + std::to_string(index) + ":x]";
+    EXPECT_EQ(textsOf(line), Texts{std::string(600, 'x')});
+}
+
 TEST(LineExpander, WhatWouldTakeAllMemoryIsRefusedAtOnce) {
     EXPECT_THROW(textsOf("[1:0-2000000000]"), std::bad_alloc);
     EXPECT_THROW(textsOf("[1:{1}]"), std::bad_alloc);

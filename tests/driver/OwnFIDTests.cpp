@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 using namespace FrameDriver::Testing;
 
@@ -62,6 +64,38 @@ TEST_F(OwnFIDs, AMoveTakesTheLinkDownAndResetsThePanel) {
                             "info: Resetting the panel to a clean state."}));
     EXPECT_EQ(clock.next(), 1000);
     EXPECT_EQ(frame().takeCalls(), Lines{"connect(\"10.0.0.3\", 5000)"});
+}
+
+/// Wakes the observer twice in the middle of a move: out of its long sleep, then out of the short
+/// one, behind which it would look at the link.
+class WakingSinks : public RecordingSinks {
+  public:
+    explicit WakingSinks(HandClock& observersClock) : clock(observersClock) {}
+
+    void setState(std::string const& name, std::string const& value) override {
+        RecordingSinks::setState(name, value);
+        if (name == "SYSTEM.REBOOT_INDICATION" && value == "INV")
+            sleeps = {clock.next(), clock.next()};
+    }
+
+    std::vector<long> sleeps;
+
+  private:
+    HandClock& clock;
+};
+
+TEST_F(OwnFIDs, TheObserverKeepsStillDuringAMove) {
+    WakingSinks waking(clock);
+    loadInstallation();
+    EXPECT_EQ(clock.next(), 1000);
+    forget();
+    configuration().setStateSink(&waking);
+    raise("FRAME.ADDRESS.SET", {{"ADDRESS", "10.0.0.3"}});
+    EXPECT_EQ(waking.sleeps, (std::vector<long>{50, 50}));
+    EXPECT_EQ(frame().takeCalls(), Lines{"disconnect()"});
+    EXPECT_EQ(clock.next(), 1000);
+    EXPECT_EQ(frame().takeCalls(), Lines{"connect(\"10.0.0.3\", 5000)"});
+    configuration().setStateSink(&sinks);
 }
 
 TEST_F(OwnFIDs, WithoutSaveTheFileKeepsTheOldAddress) {
@@ -167,8 +201,16 @@ TEST_F(MonkeySwitch, PrintsItsValueAndAnswersOnOrOff) {
     EXPECT_EQ(sinks.take(), Lines{"SID MONKEYTEST.ENABLED = ON"});
     EXPECT_TRUE(log.waitFor("debug: No conversion found for: FID: id=ME1.CUT, data=[\x92", 3,
                             std::chrono::seconds(30)));
+    log.take();
     EXPECT_EQ(raise("DRIVER.MONKEYTEST.ENABLE", {{"VAL", "on"}}), "on\n");
     EXPECT_EQ(sinks.take(), Lines{"SID MONKEYTEST.ENABLED = OFF"});
+    // Told where it is stopped, and nowhere else.
+    auto const lines = log.take();
+    EXPECT_EQ(std::ranges::count_if(lines,
+                                    [](auto const& line) {
+                                        return line.starts_with("debug: The monkey has raised ");
+                                    }),
+              1);
 }
 
 TEST_F(MonkeySwitch, OffWhenItNeverRanAnswersOff) {

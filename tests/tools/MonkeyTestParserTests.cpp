@@ -77,6 +77,13 @@ TEST_F(MonkeyTestFile, TheRootIsNotLookedAtAndFidsAreFoundAtAnyDepth) {
     EXPECT_EQ(MonkeyTestParser().parseFile("monkey.xml", ValidationMode::None).size(), 2U);
 }
 
+TEST_F(MonkeyTestFile, ARootThatIsAFidIsNoneItself) {
+    directory.write("monkey.xml", R"(<fid id="ROOT"><fid id="A"/></fid>)");
+    auto const generators = MonkeyTestParser().parseFile("monkey.xml", ValidationMode::None);
+    ASSERT_EQ(generators.size(), 1U);
+    EXPECT_EQ(generators[0].generate().first, "A");
+}
+
 TEST_F(MonkeyTestFile, AFloatBoundMayBeInfinite) {
     for (char const* text : {"infinity", "INFINITY"})
         EXPECT_EQ(shown(std::string(R"(<fid id="F"><parameter type="float" name="G" lower=")") +
