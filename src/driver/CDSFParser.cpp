@@ -120,7 +120,8 @@ void CDSFParser::parseEach(LineExpander const& expander, Parse parse) {
 bool CDSFParser::complain(std::string_view before, std::string_view subject,
                           std::string_view after) {
     std::string text = "Syntax error (" + std::to_string(lineNumber) + "): ";
-    text.append(before).append(subject).append(after).append("\n");
+    // As far as a C string goes; the line's end stays.
+    text.append(before).append(subject.substr(0, subject.find('\0'))).append(after).append("\n");
     print(text);
     return false;
 }

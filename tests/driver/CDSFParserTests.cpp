@@ -225,6 +225,14 @@ TEST_F(StateFiles, ARIDLineOfOneWordIsDropped) {
                                "completed with 1 parsing error(s).\n");
 }
 
+TEST_F(StateFiles, AMessageShowsALineUpToItsFirstNul) {
+    auto const outcome = parse(std::string("::SIDS\nBAD\0LINE\nA VAL=1\n", 24));
+    EXPECT_EQ(outcome.printed, "Loading \"panel.dsf\"..."
+                               "Syntax error (2): Missing VAL = <value> tag in SID -> BAD\n"
+                               "completed with 1 parsing error(s).\n");
+    EXPECT_EQ(outcome.assignments, Lines{"A = 1"});
+}
+
 TEST_F(StateFiles, AParserMayLoadAgain) {
     directory.write("bad.dsf", "::SIDS\nX\n");
     directory.write("good.dsf", "A VAL=1\n::SIDS\nB VAL=2\n");

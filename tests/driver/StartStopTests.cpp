@@ -295,9 +295,12 @@ TEST_F(StartStop, ASecondDriverOfTheProcessLeavesTheTimeClientToTheFirst) {
         ownClock.release();
         QuillaneQFD second(ownClock);
         second.initialize();
-        auto const lines = log.take();
-        ASSERT_GE(lines.size(), 3U);
-        EXPECT_EQ(Lines(lines.end() - 3, lines.end()),
+        auto lines = log.take();
+        // Its observer, which never sleeps here, talks in between.
+        std::erase_if(lines, [](std::string const& line) {
+            return line.find("TimeClient") == line.npos && line.find("Initialization") == line.npos;
+        });
+        EXPECT_EQ(lines,
                   (Lines{"info: TimeClient already created.", "error: TimeClient not initialized",
                          "info: Initialization complete."}));
     }
